@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 namespace arena {
@@ -10,31 +11,31 @@ namespace arena {
 // Every rigid body of a robot, in the order in which the bodies are created and shown on the
 // monitor. The toes exist in type 4 alone.
 enum class Body {
-  kTorso,
-  kNeck,
-  kHead,
-  kRightShoulder,
-  kRightUpperArm,
-  kRightElbow,
-  kRightLowerArm,
-  kLeftShoulder,
-  kLeftUpperArm,
-  kLeftElbow,
-  kLeftLowerArm,
-  kRightHip1,
-  kRightHip2,
-  kRightThigh,
-  kRightShank,
-  kRightAnkle,
-  kRightFoot,
-  kRightToe,
-  kLeftHip1,
-  kLeftHip2,
-  kLeftThigh,
-  kLeftShank,
-  kLeftAnkle,
-  kLeftFoot,
-  kLeftToe,
+  Torso,
+  Neck,
+  Head,
+  RightShoulder,
+  RightUpperArm,
+  RightElbow,
+  RightLowerArm,
+  LeftShoulder,
+  LeftUpperArm,
+  LeftElbow,
+  LeftLowerArm,
+  RightHip1,
+  RightHip2,
+  RightThigh,
+  RightShank,
+  RightAnkle,
+  RightFoot,
+  RightToe,
+  LeftHip1,
+  LeftHip2,
+  LeftThigh,
+  LeftShank,
+  LeftAnkle,
+  LeftFoot,
+  LeftToe,
 };
 
 inline constexpr std::size_t kBodyCount = 25;
@@ -46,14 +47,19 @@ inline constexpr std::array<std::string_view, kBodyCount> kBodyNames = {
     "rshank",    "rankle",    "rfoot",  "rtoe",      "lhip1",     "lhip2",  "lthigh",
     "lshank",    "lankle",    "lfoot",  "ltoe"};
 
-// The parts whose joints the referee freezes together. The torso and the head have no such joints.
-enum class Limb { kNone, kRightArm, kLeftArm, kRightLeg, kLeftLeg };
+// The groups of joints that are frozen together.
+enum class Limb { Head, RightArm, LeftArm, RightLeg, LeftLeg };
 
-inline constexpr Limb limbOf(Body body) {
-  if (body <= Body::kHead) return Limb::kNone;
-  if (body <= Body::kRightLowerArm) return Limb::kRightArm;
-  if (body <= Body::kLeftLowerArm) return Limb::kLeftArm;
-  return body <= Body::kRightToe ? Limb::kRightLeg : Limb::kLeftLeg;
+inline constexpr Limb kAllLimbs[] = {Limb::Head, Limb::RightArm, Limb::LeftArm, Limb::RightLeg,
+                                     Limb::LeftLeg};
+
+// The limb that a body belongs to; none for the torso.
+inline constexpr std::optional<Limb> limbOf(Body body) {
+  if (body == Body::Torso) return std::nullopt;
+  if (body <= Body::Head) return Limb::Head;
+  if (body <= Body::RightLowerArm) return Limb::RightArm;
+  if (body <= Body::LeftLowerArm) return Limb::LeftArm;
+  return body <= Body::RightToe ? Limb::RightLeg : Limb::LeftLeg;
 }
 
 }  // namespace arena

@@ -6,24 +6,24 @@
 namespace arena {
 
 // The half of the pitch that a team defends: left at negative x, right at positive x.
-// kNone: a robot whose team and number have not been accepted (yet), or "nobody".
-enum class Side { kLeft = 0, kRight = 1, kNone = 2 };
+// None: a robot whose team and number have not been accepted (yet), or "nobody".
+enum class Side { Left = 0, Right = 1, None = 2 };
 
 // Both sides, for loops. Arrays indexed by side have two elements.
-inline constexpr Side kBothSides[] = {Side::kLeft, Side::kRight};
+inline constexpr Side kBothSides[] = {Side::Left, Side::Right};
 
 inline constexpr std::size_t index(Side side) {
   return static_cast<std::size_t>(side);
 }
 
 inline constexpr Side opponent(Side side) {
-  if (side == Side::kNone) return Side::kNone;
-  return side == Side::kLeft ? Side::kRight : Side::kLeft;
+  if (side == Side::None) return Side::None;
+  return side == Side::Left ? Side::Right : Side::Left;
 }
 
 // The sign of x of the goal that the side defends: -1 left, +1 right. REQUIRES a real side.
 inline constexpr double ownGoalSign(Side side) {
-  return side == Side::kLeft ? -1.0 : 1.0;
+  return side == Side::Left ? -1.0 : 1.0;
 }
 
 }  // namespace arena

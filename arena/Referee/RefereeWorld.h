@@ -24,9 +24,9 @@ inline constexpr RobotHandle kNoRobot = -1;
 // One robot that has been built (its scene is loaded). Torso frame: x right, y front, z up.
 struct RobotView {
   RobotHandle handle = kNoRobot;
-  Side side = Side::kNone;  // kNone until its init has been accepted
-  int number = 0;           // 1 to 11; 0 until its init has been accepted
-  int type = 0;             // 0 to 4
+  Side side = Side::None;  // None until its init has been accepted
+  int number = 0;          // 1 to 11; 0 until its init has been accepted
+  int type = 0;            // 0 to 4
   Eigen::Isometry3d torso = Eigen::Isometry3d::Identity();  // world from torso
   Eigen::Vector3d velocity = Eigen::Vector3d::Zero();       // of the torso, m/s
 };
@@ -34,7 +34,7 @@ struct RobotView {
 // A collision shape of a robot. Boxes have their half edges in halfSize; for other shapes
 // halfSize holds half the edges of the smallest box in the collider's frame.
 struct ColliderView {
-  Body body = Body::kTorso;
+  Body body = Body::Torso;
   bool box = true;
   Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();  // world from collider (its centre)
   Eigen::Vector3d halfSize = Eigen::Vector3d::Zero();      // m
@@ -50,8 +50,8 @@ struct BallContact {
 struct RobotContact {
   RobotHandle first = kNoRobot;
   RobotHandle second = kNoRobot;
-  Body firstBody = Body::kTorso;
-  Body secondBody = Body::kTorso;
+  Body firstBody = Body::Torso;
+  Body secondBody = Body::Torso;
   Eigen::Vector3d point = Eigen::Vector3d::Zero();
 };
 
@@ -93,7 +93,6 @@ class RefereeWorld {
                        std::optional<Eigen::Vector3d> velocity) = 0;
 
   // While a limb is frozen every velocity commanded to one of its joints is replaced by 0.
-  // REQUIRES: limb is not kNone.
   virtual void setFrozen(RobotHandle robot, Limb limb, bool frozen) = 0;
 };
 

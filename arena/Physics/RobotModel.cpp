@@ -1,0 +1,187 @@
+#include "Physics/RobotModel.h"
+
+#include <cassert>
+#include <cmath>
+#include <numbers>
+#include <string_view>
+
+namespace arena {
+namespace {
+
+constexpr double kDegree = std::numbers::pi / 180.0;
+constexpr double kCommonMaxSpeed = 351.77 * kDegree;
+constexpr double kFootMass = 0.2;
+constexpr double kFootLength = 0.16;
+// The toe is half as thick as the foot, so it takes half of the mass that its length would.
+constexpr double kToeMassShare = 0.5;
+
+// The numbers in which the types differ.
+struct TypeSpec {
+  double hip_x;
+  double thigh_z;
+  double ankle_z;
+  double elbow_y;
+  double max_speed_ankle_pitch;
+  double max_speed_ankle_roll;
+  double toe_length;  //< 0: no toe
+};
+
+constexpr double kHipZ = -0.115;
+
+constexpr std::array<TypeSpec, kRobotTypeCount> kTypes{{
+    {0.055, -0.04, -0.055, 0.07, kCommonMaxSpeed, kCommonMaxSpeed, 0.0},
+    {0.055, -0.05832, -0.07332, 0.10664, kCommonMaxSpeed, kCommonMaxSpeed, 0.0},
+    {0.055, -0.04, -0.055, 0.07, 8.80667, 3.47234, 0.0},
+    {0.072954143, -0.067868424, -0.082868424, 0.125736848, kCommonMaxSpeed, kCommonMaxSpeed, 0.0},
+    {0.055, -0.04, -0.055, 0.07, kCommonMaxSpeed, kCommonMaxSpeed, 0.035517656},
+}};
+
+// Builds the tables of one type. `f` is +1 for the right side and -1 for the left one.
+class Builder {
+ public:
+  explicit Builder(int type) : spec_(kTypes.at(type)) {
+    model_.type = type;
+    addHead();
+    for (double f : {1.0, -1.0}) addArm(f);
+    for (double f : {1.0, -1.0}) addLeg(f);
+  }
+
+  RobotModel take() { return std::move(model_); }
+
+ private:
+  static Triple plus(const Triple& a, const Triple& b) {
+    return {a[0] + b[0], a[1] + b[1], a[2] + b[2]};
+  }
+
+  static std::string prefixOf(double f) {
+    if (f == 0.0) return "";
+    return f > 0.0 ? "r" : "l";
+  }
+
+  // The body of the right side, or its mirror image.
+  static Body sided(double f, Body right) {
+    if (f >= 0.0) return right;
+    const int distance =
+        right <= Body::RightLowerArm
+            ? static_cast<int>(Body::LeftShoulder) - static_cast<int>(Body::RightShoulder)
+            : static_cast<int>(Body::LeftHip1) - static_cast<int>(Body::RightHip1);
+    return static_cast<Body>(static_cast<int>(right) + distance);
+  }
+
+  int addBody(double f, Body body, int parent, const Triple& offset, ShapeKind shape,
+              const Triple& size, double mass, bool collider, const std::string& sensor = "") {
+    const Triple from = parent < 0 ? Triple{0.0, 0.0, 0.0} : model_.bodies[parent].position;
+    model_.bodies.push_back({sided(f, body), parent, plus(from, offset), shape, size, mass,
+                             collider, sensor.empty() ? "" : prefixOf(f) + sensor});
+    return static_cast<int>(model_.bodies.size()) - 1;
+  }
+
+  // A small sphere without a collider, as between two hinges with crossing axes.
+  int addBead(double f, Body body, int parent, const Triple& offset, double mass) {
+    return addBody(f, body, parent, offset, ShapeKind::Sphere, {0.01, 0.0, 0.0}, mass, false);
+  }
+
+  // `letter` is "h", "a" or "l"; the anchor is given relative to the child body; degrees.
+  void addJoint(double f, const std::string& letter, int number, int child, const Triple& anchor,
+                const Triple& axis, double low_deg, double high_deg,
+                double max_speed = kCommonMaxSpeed) {
+    const std::string digit = std::to_string(number);
+    model_.joints.push_back({prefixOf(f) + letter + "e" + digit, prefixOf(f) + letter + "j" + digit,
+                             *limbOf(model_.bodies[child].body), child, model_.bodies[child].parent,
+                             plus(model_.bodies[child].position, anchor), axis, low_deg * kDegree,
+                             high_deg * kDegree, max_speed});
+  }
+
+  // Limits given for the right side; on the left one they are mirrored.
+  void addMirroredJoint(double f, const std::string& letter, int number, int child,
+                        const Triple& anchor, const Triple& axis, double low_deg, double high_deg,
+                        double max_speed = kCommonMaxSpeed) {
+    const bool right = f > 0.0;
+    addJoint(f, letter, number, child, anchor, axis, right ? low_deg : -high_deg,
+             right ? high_deg : -low_deg, max_speed);
+  }
+
+  void addHead() {
+    const int torso = addBody(0.0, Body::Torso, -1, {0.0, 0.0, 0.0}, ShapeKind::Box,
+                              {0.1, 0.1, 0.18}, 1.2171, true);
+    const int neck = addBody(0.0, Body::Neck, torso, {0.0, 0.0, 0.09}, ShapeKind::Capsule,
+                             {0.015, 0.08, 0.0}, 0.05, true);
+    addJoint(0.0, "h", 1, neck, {0.0, 0.0, 0.0}, {0.0, 0.0, 1.0}, -120.0, 120.0);
+    const int head = addBody(0.0, Body::Head, neck, {0.0, 0.0, 0.065}, ShapeKind::Sphere,
+                             {0.065, 0.0, 0.0}, 0.35, true);
+    addJoint(0.0, "h", 2, head, {0.0, 0.0, -0.005}, {1.0, 0.0, 0.0}, -45.0, 45.0);
+  }
+
+  void addArm(double f) {
+    const int shoulder = addBead(f, Body::RightShoulder, 0, {f * 0.098, 0.0, 0.075}, 0.07);
+    addJoint(f, "a", 1, shoulder, {0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, -120.0, 120.0);
+    const int upper = addBody(f, Body::RightUpperArm, shoulder, {f * 0.01, 0.02, 0.0},
+                              ShapeKind::Box, {0.07, 0.08, 0.06}, 0.15, true);
+    addMirroredJoint(f, "a", 2, upper, {-f * 0.01, -0.02, 0.0}, {0.0, 0.0, 1.0}, -95.0, 1.0);
+    const int elbow = addBead(f, Body::RightElbow, upper, {-f * 0.01, spec_.elbow_y, 0.009}, 0.035);
+    addJoint(f, "a", 3, elbow, {0.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, -120.0, 120.0);
+    const int lower = addBody(f, Body::RightLowerArm, elbow, {0.0, 0.05, 0.0}, ShapeKind::Box,
+                              {0.05, 0.11, 0.05}, 0.2, true);
+    addMirroredJoint(f, "a", 4, lower, {0.0, -0.05, 0.0}, {0.0, 0.0, 1.0}, -1.0, 90.0);
+  }
+
+  void addLeg(double f) {
+    const double half = std::sqrt(0.5);
+    const int hip1 = addBead(f, Body::RightHip1, 0, {f * spec_.hip_x, -0.01, kHipZ}, 0.09);
+    addJoint(f, "l", 1, hip1, {0.0, 0.0, 0.0}, {-half, 0.0, f * half}, -90.0, 1.0);
+    const int hip2 = addBead(f, Body::RightHip2, hip1, {0.0, 0.0, 0.0}, 0.125);
+    addMirroredJoint(f, "l", 2, hip2, {0.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, -45.0, 25.0);
+    const int thigh = addBody(f, Body::RightThigh, hip2, {0.0, 0.01, spec_.thigh_z}, ShapeKind::Box,
+                              {0.07, 0.07, 0.14}, 0.275, true);
+    addJoint(f, "l", 3, thigh, {0.0, -0.01, -spec_.thigh_z}, {1.0, 0.0, 0.0}, -25.0, 100.0);
+    const int shank = addBody(f, Body::RightShank, thigh, {0.0, 0.005, -0.125}, ShapeKind::Box,
+                              {0.08, 0.07, 0.11}, 0.225, true);
+    addJoint(f, "l", 4, shank, {0.0, -0.01, 0.045}, {1.0, 0.0, 0.0}, -130.0, 1.0);
+    const int ankle = addBead(f, Body::RightAnkle, shank, {0.0, -0.01, spec_.ankle_z}, 0.125);
+    addJoint(f, "l", 5, ankle, {0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, -45.0, 75.0,
+             spec_.max_speed_ankle_pitch);
+
+    // A foot with a toe is shorter by the toe and keeps its heel 0.05 m behind the ankle.
+    const double toe_mass = spec_.toe_length / kFootLength * kToeMassShare * kFootMass;
+    const double foot_length = kFootLength - spec_.toe_length;
+    const double foot_y = foot_length / 2.0 - 0.05;
+    const int foot = addBody(f, Body::RightFoot, ankle, {0.0, foot_y, -0.04}, ShapeKind::Box,
+                             {0.08, foot_length, 0.02}, kFootMass - toe_mass, true, "f");
+    addMirroredJoint(f, "l", 6, foot, {0.0, -0.03, 0.035}, {0.0, 1.0, 0.0}, -25.0, 45.0,
+                     spec_.max_speed_ankle_roll);
+    if (spec_.toe_length <= 0.0) return;
+    const int toe =
+        addBody(f, Body::RightToe, foot, {0.0, foot_length / 2.0 + spec_.toe_length / 2.0, -0.005},
+                ShapeKind::Box, {0.08, spec_.toe_length, 0.01}, toe_mass, true, "f1");
+    addJoint(f, "l", 7, toe, {0.0, -spec_.toe_length / 2.0, -0.005}, {1.0, 0.0, 0.0}, -1.0, 70.0);
+  }
+
+  const TypeSpec& spec_;
+  RobotModel model_;
+};
+
+}  // namespace
+
+int RobotModel::jointByEffector(std::string_view effector) const {
+  for (std::size_t i = 0; i < joints.size(); ++i) {
+    if (joints[i].effector == effector) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+int RobotModel::indexOf(Body body) const {
+  for (std::size_t i = 0; i < bodies.size(); ++i) {
+    if (bodies[i].body == body) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+const RobotModel& robotModel(int type) {
+  assert(type >= 0 && type < kRobotTypeCount);
+  static const std::array<RobotModel, kRobotTypeCount> models{Builder(0).take(), Builder(1).take(),
+                                                              Builder(2).take(), Builder(3).take(),
+                                                              Builder(4).take()};
+  return models[type];
+}
+
+}  // namespace arena

@@ -29,17 +29,17 @@ class Decide : public AdvancedAction {
   /// Called by the arbiter in every cycle of a stand-up, and not by Agent::resetAllVars.
   void resetVars();
 
-  int findstate;     ///< No logic uses it.
-  float py = 0;      ///< No logic uses it.
-  float vy = 0;      ///< No logic uses it.
-  float h;           ///< No logic uses it.
-  int decideState;   ///< 0 none, 1 side, 2 forward, 3, 7, 9 turn first, 6 backward, 8 arrived.
-  float bestTime;    ///< Cycles of the way chosen last; 60000 after a reset or a finished turn.
-  bool a[10] = {};   ///< No logic uses it.
-  bool ch;           ///< False once a first turn has finished; no logic reads it.
-  Vector lastPos;    ///< Target of the last call; off the pitch after a reset.
-  int cycle;         ///< Calls since it last reached the period.
-  bool ourSide;      ///< False for the left side. No side is known when the object is built.
+  int findstate;    ///< No logic uses it.
+  float py = 0;     ///< No logic uses it.
+  float vy = 0;     ///< No logic uses it.
+  float h;          ///< No logic uses it.
+  int decideState;  ///< 0 none, 1 side, 2 forward, 3, 7, 9 turn first, 6 backward, 8 arrived.
+  float bestTime;   ///< Cycles of the way chosen last; 60000 after a reset or a finished turn.
+  bool a[10] = {};  ///< No logic uses it.
+  bool ch;          ///< False once a first turn has finished; no logic reads it.
+  Vector lastPos;   ///< Target of the last call; off the pitch after a reset.
+  int cycle;        ///< Calls since it last reached the period.
+  bool ourSide;     ///< False for the left side. No side is known when the object is built.
 
  private:
   void choose(double t, const double (&time)[7]);

@@ -25,16 +25,16 @@ class Dribble : public AdvancedAction {
 
   void resetVars() { dribbleState = 0; }
 
-  Vector nextPoint;              ///< The point to walk to in this cycle.
-  static bool passToTeammate;    ///< No logic reads it.
-  static Vector mapsoosPos;      ///< "Selected position"; no logic reads it.
-  Vector ballPos;                ///< Refreshed by inIt.
-  Vector selfPos;                ///< Refreshed by inIt.
-  int unum = 0;                  ///< Refreshed by inIt.
-  bool turn = false;             ///< An opponent stands close ahead; nothing reads it.
-  Vector doshman;                ///< "Opponent": position of that one; nothing reads it.
-  static int dribbleState;       ///< No logic uses it.
-  bool ourSide = false;          ///< False for the left side.
+  Vector nextPoint;            ///< The point to walk to in this cycle.
+  static bool passToTeammate;  ///< No logic reads it.
+  static Vector mapsoosPos;    ///< "Selected position"; no logic reads it.
+  Vector ballPos;              ///< Refreshed by inIt.
+  Vector selfPos;              ///< Refreshed by inIt.
+  int unum = 0;                ///< Refreshed by inIt.
+  bool turn = false;           ///< An opponent stands close ahead; nothing reads it.
+  Vector doshman;              ///< "Opponent": position of that one; nothing reads it.
+  static int dribbleState;     ///< No logic uses it.
+  bool ourSide = false;        ///< False for the left side.
 
  private:
   Vector sideStep(Vector target, float nam) const;

@@ -75,12 +75,12 @@ class Decision {
   bool chaseBall();
   /// @}
 
-  int decisionstate = 1;    ///< Read by nothing.
-  int modestate = 0;        ///< The situation; survives from cycle to cycle.
-  int standstate = 0;       ///< Stand-up under way: 2 front, 3 back, 4 flip.
-  int beamstate = 1;        ///< Read by nothing.
+  int decisionstate = 1;  ///< Read by nothing.
+  int modestate = 0;      ///< The situation; survives from cycle to cycle.
+  int standstate = 0;     ///< Stand-up under way: 2 front, 3 back, 4 flip.
+  int beamstate = 1;      ///< Read by nothing.
   int standstateGoalie = 0;
-  int unum = 0;             ///< Uniform number, read from the configuration every cycle.
+  int unum = 0;  ///< Uniform number, read from the configuration every cycle.
 
   /// Upright as far as the last stand-up knows.
   bool checkstandup = true;

@@ -21,9 +21,9 @@ struct FastPlayer {
   FastPlayer() = default;
   FastPlayer(Player p);  // NOLINT(google-explicit-constructor)
 
-  bool vojood = false;      ///< "Existence"; copied along, no logic reads it.
-  Player human;             ///< Copy of the world model's entry.
-  bool calculated = false;  ///< Has reached the target and is skipped from then on.
+  bool vojood = false;                  ///< "Existence"; copied along, no logic reads it.
+  Player human;                         ///< Copy of the world model's entry.
+  bool calculated = false;              ///< Has reached the target and is skipped from then on.
   Vector reachPoint{9999, 9999, 9999};  ///< Where the target was then; 9999 while unknown.
   int reachCycle = 9999;                ///< The cost in steps; 9999 while unknown.
   Vector playerPos;                     ///< Position, moved on by playerVel at each step.

@@ -1,0 +1,22 @@
+#ifndef QUOLNARIS_WORLDMODEL_JOINT_H_
+#define QUOLNARIS_WORLDMODEL_JOINT_H_
+
+#include <string>
+
+// A hinge as the sensors report it: its effector name and its angle in degrees, in the server's
+// sign convention.
+class Joint {
+ public:
+  Joint() = default;
+  Joint(const std::string& name, float angle) : JointAngle(angle), JointName(name) {}
+
+  void setName(const std::string& name) { JointName = name; }
+  void setAngle(float angle) { JointAngle = angle; }
+  const std::string& getName() const { return JointName; }
+  float getAngle() const { return JointAngle; }
+
+  float JointAngle = 0.0f;
+  std::string JointName;
+};
+
+#endif  // QUOLNARIS_WORLDMODEL_JOINT_H_

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cctype>
 #include <cstdint>
@@ -58,7 +59,7 @@ auto& groupOf(Groups& groups, std::string_view group) {
 template <typename Values>
 auto& valueOf(Values& values, std::string_view key) {
   const auto it = values.find(key);
-  if (it == values.end()) std::cerr << key << std::flush;
+  if (it == values.end()) std::cerr << key;
   assert(it != values.end());
   return it->second;
 }

@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 #include <iostream>
+#include <string>
+#include <utility>
 
 #include "Kinematics/ForwardKinematic.h"
 #include "Kinematics/NAOKinematics.h"

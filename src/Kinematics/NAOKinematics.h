@@ -19,7 +19,9 @@
 //
 // All operations share the scratch members: an object is not reentrant.
 
+#include <array>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -152,7 +154,11 @@ class NAOKinematics {
                         bool withAngles, bool topCamera);
 
  private:
-  struct Link;
+  // A joint and its link by their modified Denavit-Hartenberg parameters (see
+  // KMath::KMat::transformations::makeDHTransformation).
+  struct Link {
+    double a, alpha, d, theta;
+  };
   struct LinkMass;
   struct LegSide;
   struct ArmSide;
@@ -163,13 +169,36 @@ class NAOKinematics {
   static kmatTable inverse(const kmatTable& transform);
   static kmatTable product(std::initializer_list<const kmatTable*> factors);
 
-  void forwardChain(kmatTable& EndTransf, const kmatTable& base, std::initializer_list<Link> links,
+  // The links of the limbs at the given joints, in chain order.
+  static std::array<Link, 2> headLinks(const double* joints);
+  static std::array<Link, 5> leftArmLinks(const double* joints);
+  static std::array<Link, 5> rightArmLinks(const double* joints);
+  static std::array<Link, 6> leftLegLinks(const double* joints);
+  static std::array<Link, 6> rightLegLinks(const double* joints);
+
+  void forwardChain(kmatTable& EndTransf, const kmatTable& limbBase, std::span<const Link> links,
                     std::initializer_list<const kmatTable*> end);
+  void addMasses(kmatTable& sum, const kmatTable& limbBase, std::span<const Link> links,
+                 std::span<const LinkMass> masses);
 
+  // The steps of the leg solution, from the knee inward. theta is the solution as far as it is
+  // known.
+  using LegJoints = std::array<double, 6>;
   Solutions inverseLeg(const kmatTable& targetPoint, const LegSide& leg);
-  Solutions inverseHand(const kmatTable& targetPoint, const ArmSide& arm);
+  void solveAnklePitch(const LegSide& leg, LegJoints& theta, Solutions& solutions);
+  void solveHipRoll(const LegSide& leg, LegJoints& theta, Solutions& solutions);
+  void solveHipPitch(const LegSide& leg, LegJoints& theta, Solutions& solutions);
 
-  // Scratch space of the forward chains.
+  // Likewise for the arm, from the elbow inward.
+  using ArmJoints = std::array<double, 5>;
+  Solutions inverseHand(const kmatTable& targetPoint, const ArmSide& arm);
+  void solveElbowYaw(const ArmSide& arm, ArmJoints& theta, Solutions& solutions);
+  void solveShoulderPitch(const ArmSide& arm, ArmJoints& theta, Solutions& solutions);
+
+  // Appends the joints if the named chain brings them to Tinit.
+  void appendIfReached(const char* chain, std::span<const double> joints, Solutions& solutions);
+
+  // Scratch space of the forward chains: the factors and the product.
   kmatTable T1, T2, T3, T4, T5, T6, Tend;
   // Scratch space of the inverse solutions.
   kmatTable T, Tinit, base, Rot, Tstart, T4i, T5i, T6i, TtempTheta5, Ttemp, Ttemp2;

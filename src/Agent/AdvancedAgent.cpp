@@ -1,0 +1,5 @@
+#include "Agent/AdvancedAgent.h"
+
+AdvancedAgent::AdvancedAgent() = default;
+
+AdvancedAgent::~AdvancedAgent() = default;

@@ -1,0 +1,7 @@
+#include "Agent/Agent.h"
+
+Agent::Agent() : GOAL(15, 0, 0) {}
+
+Agent::~Agent() = default;
+
+void Agent::resetAllVars() {}

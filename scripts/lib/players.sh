@@ -1,0 +1,48 @@
+# Functions for scripts that start players: sourced, not run. A player never ends by itself: when its
+# server closes the link it spins at full speed. Whoever starts players therefore watches and ends them.
+
+# True when a process holds a TCP link whose other end has closed it.
+link_is_gone() {
+  local pid=$1 inodes
+  inodes=$(readlink "/proc/$pid/fd/"* 2>/dev/null | sed -n 's/^socket:\[\([0-9]*\)\]$/\1/p' | tr '\n' ' ')
+  [ -n "$inodes" ] || return 1
+  # Column 4 is the state of the link, 08 is CLOSE_WAIT; column 10 its inode.
+  awk -v inodes="$inodes" '
+    BEGIN { n = split(inodes, list, " "); for (i = 1; i <= n; i++) mine[list[i]] = 1 }
+    $4 == "08" && ($10 in mine) { gone = 1 }
+    END { exit gone ? 0 : 1 }' "/proc/$pid/net/tcp" 2>/dev/null
+}
+
+# Ends processes that are still there: kindly, then for certain.
+end_players() {
+  local pid alive=()
+  for pid in "$@"; do kill "$pid" 2>/dev/null && alive+=("$pid"); done
+  [ ${#alive[@]} -gt 0 ] || return 0
+  for _ in 1 2 3 4 5 6 7 8 9 10; do
+    local left=()
+    for pid in "${alive[@]}"; do kill -0 "$pid" 2>/dev/null && left+=("$pid"); done
+    [ ${#left[@]} -gt 0 ] || return 0
+    alive=("${left[@]}")
+    sleep 0.1
+  done
+  for pid in "${alive[@]}"; do kill -KILL "$pid" 2>/dev/null || true; done
+}
+
+# Waits until all given players have ended, ending each whose server has gone.
+watch_players() {
+  local pid left=("$@")
+  while [ ${#left[@]} -gt 0 ]; do
+    local still=()
+    for pid in "${left[@]}"; do
+      kill -0 "$pid" 2>/dev/null || continue
+      if link_is_gone "$pid"; then end_players "$pid"; else still+=("$pid"); fi
+    done
+    left=("${still[@]+"${still[@]}"}")
+    [ ${#left[@]} -eq 0 ] || sleep 0.5
+  done
+}
+
+# Robot types of the numbers 1 to 11: four of type 0 (the goalie among them), four of type 2, three
+# of type 4. A full team needs three types, at most seven robots of one type and nine of any two; the
+# gaits of Configs/ fit these three.
+team_types=(0 2 4 0 2 4 0 2 4 0 2)

@@ -12,6 +12,7 @@
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "RecordingReader.h"
@@ -49,10 +50,10 @@ class Player {
   }
 
   void send(const std::string& frame) {
-    const std::array<unsigned char, 4> prefix = {
-        static_cast<unsigned char>(frame.size() >> 24U),
-        static_cast<unsigned char>(frame.size() >> 16U),
-        static_cast<unsigned char>(frame.size() >> 8U), static_cast<unsigned char>(frame.size())};
+    const std::array<unsigned char, 4> prefix = {static_cast<unsigned char>(frame.size() >> 24U),
+                                                 static_cast<unsigned char>(frame.size() >> 16U),
+                                                 static_cast<unsigned char>(frame.size() >> 8U),
+                                                 static_cast<unsigned char>(frame.size())};
     const std::array<asio::const_buffer, 2> both = {asio::buffer(prefix), asio::buffer(frame)};
     finish("taking a frame", [&](auto done) { asio::async_write(socket_, both, done); });
   }
@@ -227,24 +228,29 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
   Options options;
   CLI::App app{
-      "Listens on a port, plays a recording of percept frames to the player that connects, records\n"
+      "Listens on a port, plays a recording of percept frames to the player that connects, "
+      "records\n"
       "its answers and reports how fast they came. The frames do not depend on the answers.\n"
-      "Frame k goes out as soon as k - 1 messages have come in, the first after the scene message."};
+      "Frame k goes out as soon as k - 1 messages have come in, the first after the scene "
+      "message."};
   app.add_option("recording", options.recording, "recorded frames, plain or gzip")
       ->required()
       ->check(CLI::ExistingFile);
   app.add_option("--port", options.port, "TCP port to listen on, 0 for any free one")
       ->capture_default_str();
   app.add_option("--bind", options.bind, "address to listen on")->capture_default_str();
-  app.add_option("--answers", options.answers, "write the player's messages here, framed as on the wire");
+  app.add_option("--answers", options.answers,
+                 "write the player's messages here, framed as on the wire");
   app.add_option("--frames", options.frames, "play only the first so many frames of the recording");
   app.add_option("--passes", options.passes, "play the recording so many times over, on one link")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
-  app.add_option("--rate", options.rate, "frames a second at most; 0 for as fast as the player answers")
+  app.add_option("--rate", options.rate,
+                 "frames a second at most; 0 for as fast as the player answers")
       ->capture_default_str()
       ->check(CLI::NonNegativeNumber);
-  app.add_option("--patience", options.patience, "seconds to wait for a player and for each message")
+  app.add_option("--patience", options.patience,
+                 "seconds to wait for a player and for each message")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
   app.add_flag("--quiet", options.quiet, "no progress line");

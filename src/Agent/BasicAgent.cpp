@@ -17,7 +17,9 @@ bool setEach(JointController (&group)[N], float value, float gain, float error) 
 }
 
 // Translation column of a transform.
-Vector position(Matrix<4, 4>& m) { return Vector(m(0, 3), m(1, 3), m(2, 3), CARTESIAN); }
+Vector position(Matrix<4, 4>& m) {
+  return Vector(m(0, 3), m(1, 3), m(2, 3), CARTESIAN);
+}
 
 void storePosition(Matrix<4, 4>& pose, const Vector& p) {
   pose(0, 3) = p.x;
@@ -33,7 +35,7 @@ void storeRotation(Matrix<4, 4>& pose, const Matrix<4, 4>& rotation) {
 
 // Mass of the body parts beside the torso, grams; the torso lies in the origin and adds nothing.
 struct MassPoint {
-  Matrix<4, 4> ForwardKinematic::* centre;
+  Matrix<4, 4> ForwardKinematic::*centre;
   double mass;
 };
 constexpr MassPoint kMassPoints[] = {

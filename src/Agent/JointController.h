@@ -34,15 +34,15 @@ class JointController {
   // that a joint nobody commands stops. REQUIRES: joint is bound.
   void adjustAngles();
 
-  Joint* joint = nullptr;   // the sensed joint; not owned
-  float currentAngle = 0;   // sensed angle, degrees
-  float lastAngle = 0;      // value sent in the previous cycle: degrees still under way
-  float MaxAngle = 0;       // the joint's range, degrees: declared for it, read and written by nobody
-  float MinAngle = 0;       // likewise
-  float Angle = 0;          // value to send in this cycle
-  double preAngle = 0;      // read and written by nobody
-  double preValue = 0;      // last target for which a value was computed, degrees
-  int count = 0;            // calls in a row that repeated preValue
+  Joint* joint = nullptr;  // the sensed joint; not owned
+  float currentAngle = 0;  // sensed angle, degrees
+  float lastAngle = 0;     // value sent in the previous cycle: degrees still under way
+  float MaxAngle = 0;   // the joint's range, degrees: declared for it, read and written by nobody
+  float MinAngle = 0;   // likewise
+  float Angle = 0;      // value to send in this cycle
+  double preAngle = 0;  // read and written by nobody
+  double preValue = 0;  // last target for which a value was computed, degrees
+  int count = 0;        // calls in a row that repeated preValue
 
  private:
   void limitAngle(float max);

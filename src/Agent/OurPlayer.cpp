@@ -25,7 +25,9 @@ OurPlayer::OurPlayer(int argc, char** argv) {
   bindJoints();
 }
 
-OurPlayer::~OurPlayer() { delete WM; }
+OurPlayer::~OurPlayer() {
+  delete WM;
+}
 
 void OurPlayer::publish() {
   Say::advancedAgent = this;

@@ -1,6 +1,7 @@
 #include "Agent/BasicAgent.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <limits>
@@ -16,14 +17,9 @@ namespace {
 class BasicAgentTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    for (const char* file : {"Agent", "Formation"}) config.add(file);
-    for (const char* group : {"Public", "AgentPost"}) config["Agent"].addGroup(group);
-    config["Agent"]["Public"].add("UniformNumber", "2");
-    config["Agent"]["Public"].add("TeamName", "Quolnaris");
+    ASSERT_EQ(chdir(QUOLNARIS_SOURCE_DIR), 0);
+    config.addFiles();
     config["Agent"]["Public"].add("Type", "0");
-    config["Agent"]["AgentPost"].add("P", "3 2 2 2 2 1 1 1 0 0 0");
-    config["Formation"].addGroup("Beam");
-    config["Formation"]["Beam"].add("p2", "-12 -1 0");
     agent.WM = new WorldModel;
     BodyController& body = agent.bControl;
     for (int side = 0; side < 2; ++side) {
@@ -129,7 +125,8 @@ struct Group {
 
 class BasicAgentGroupTest : public BasicAgentTest, public ::testing::WithParamInterface<Group> {};
 
-// The first joint of the body that a group holds has arrived; all others must be driven all the same.
+// The first joint of the body that a group holds has arrived; all others must be driven all the
+// same.
 TEST_P(BasicAgentGroupTest, DrivesEveryJointOfTheGroupAndNoOther) {
   EXPECT_FALSE(GetParam().set(agent));
   EXPECT_EQ(driven(), GetParam().joints);
@@ -161,7 +158,7 @@ INSTANTIATE_TEST_SUITE_P(
         Group{"BothHands", 8, [](BasicAgent& a) { return a.setAllBothHand(20, 10, 1); }},
         Group{"Head", 2, [](BasicAgent& a) { return a.setAllHead(20, 10, 1); }},
         Group{"All", 24, [](BasicAgent& a) { return a.setAll(20, 10, 1); }}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& group) { return group.param.name; });
 
 TEST_F(BasicAgentTest, APositionGoesIntoTheTranslationColumnOfTheStore) {
   agent.setHandPosition(true, Vector(0.1F, 0.2F, 0.3F));
@@ -219,12 +216,11 @@ TEST_F(BasicAgentTest, CentreOfMassWeighsTheElevenParts) {
   const struct {
     Matrix<4, 4>* m;
     double grams;
-  } parts[] = {{&agent.fwd.rightUpLeg, 490}, {&agent.fwd.leftUpLeg, 490},
-               {&agent.fwd.rightLoLeg, 350}, {&agent.fwd.leftLoLeg, 350},
-               {&agent.fwd.rightFoot, 200},  {&agent.fwd.leftFoot, 200},
-               {&agent.fwd.rightUpArm, 220}, {&agent.fwd.leftUpArm, 220},
-               {&agent.fwd.rightLoArm, 235}, {&agent.fwd.leftLoArm, 235},
-               {&agent.fwd.headCenter, 400}};
+  } parts[] = {
+      {&agent.fwd.rightUpLeg, 490}, {&agent.fwd.leftUpLeg, 490}, {&agent.fwd.rightLoLeg, 350},
+      {&agent.fwd.leftLoLeg, 350},  {&agent.fwd.rightFoot, 200}, {&agent.fwd.leftFoot, 200},
+      {&agent.fwd.rightUpArm, 220}, {&agent.fwd.leftUpArm, 220}, {&agent.fwd.rightLoArm, 235},
+      {&agent.fwd.leftLoArm, 235},  {&agent.fwd.headCenter, 400}};
   double sum[3] = {};
   for (const auto& part : parts) {
     for (int i = 0; i < 3; ++i) sum[i] += (*part.m)(i, 3) * part.grams / 4607.1;

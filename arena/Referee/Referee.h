@@ -83,7 +83,7 @@ class Referee {
   void stepSetPlay();
   bool checkDoubleTouch();
   bool checkGoal();
-  bool checkOut();
+  void checkOut();
   void scoreOrPunish(Side scorer);
   void takeKick(bool indirect);
   void orderForKickOff(Side kicking);

@@ -74,6 +74,10 @@ class RefereeWorld {
   virtual std::span<const ColliderView> colliders(RobotHandle robot) const = 0;
   virtual BallView ball() const = 0;
 
+  // The robot of this handle, or of this team and number; null if there is none.
+  const RobotView* find(RobotHandle robot) const;
+  const RobotView* find(Side side, int number) const;
+
   // Contacts of the last step, at the places where they happened.
   virtual std::span<const BallContact> ballContacts() const = 0;
   virtual std::span<const RobotContact> robotContacts() const = 0;

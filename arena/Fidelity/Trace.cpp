@@ -1,0 +1,145 @@
+#include "Fidelity/Trace.h"
+
+#include <zlib.h>
+
+#include <charconv>
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <stdexcept>
+
+#include "Physics/RobotModel.h"
+
+namespace arena {
+namespace {
+
+std::string readFile(const std::string& path) {
+  const gzFile file = gzopen(path.c_str(), "rb");
+  if (file == nullptr) throw std::runtime_error("cannot open " + path);
+  std::string text;
+  std::array<char, 65536> buffer;
+  int count = 0;
+  while ((count = gzread(file, buffer.data(), buffer.size())) > 0)
+    text.append(buffer.data(), count);
+  gzclose(file);
+  if (count < 0) throw std::runtime_error("cannot read " + path);
+  return text;
+}
+
+std::vector<std::string_view> split(std::string_view text, char separator) {
+  std::vector<std::string_view> parts;
+  while (true) {
+    const std::size_t end = text.find(separator);
+    parts.push_back(text.substr(0, end));
+    if (end == std::string_view::npos) return parts;
+    text.remove_prefix(end + 1);
+  }
+}
+
+std::optional<double> number(std::string_view text) {
+  double value = 0.0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (text.empty() || error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::optional<Eigen::Vector3d> vectorAfter(const std::string& text, const std::string& prefix) {
+  const std::regex form(prefix + R"( ([-0-9.e]+) ([-0-9.e]+) ([-0-9.e]+)\))");
+  std::smatch match;
+  if (!std::regex_search(text, match, form)) return std::nullopt;
+  return Eigen::Vector3d(std::stod(match[1]), std::stod(match[2]), std::stod(match[3]));
+}
+
+// Looks cells of one line up by column name.
+class Line {
+ public:
+  Line(const std::map<std::string, std::size_t, std::less<>>& columns,
+       std::vector<std::string_view> cells)
+      : columns_(columns), cells_(std::move(cells)) {}
+
+  std::optional<double> optional(const std::string& column) const {
+    const auto found = columns_.find(column);
+    if (found == columns_.end() || found->second >= cells_.size()) return std::nullopt;
+    return number(cells_[found->second]);
+  }
+
+  double required(const std::string& column) const {
+    const auto value = optional(column);
+    if (!value) throw std::runtime_error("no number in column " + column);
+    return *value;
+  }
+
+  Eigen::Vector3d vector(const std::string& x, const std::string& y, const std::string& z) const {
+    return {required(x), required(y), required(z)};
+  }
+
+ private:
+  const std::map<std::string, std::size_t, std::less<>>& columns_;
+  std::vector<std::string_view> cells_;
+};
+
+std::optional<TraceRow::Foot> readFoot(const Line& line, const std::string& name) {
+  if (!line.optional(name + "_fx")) return std::nullopt;
+  return TraceRow::Foot{line.vector(name + "_cx", name + "_cy", name + "_cz"),
+                        line.vector(name + "_fx", name + "_fy", name + "_fz")};
+}
+
+std::optional<TraceRow::Truth> readTruth(const Line& line) {
+  if (!line.optional("torso_x")) return std::nullopt;
+  TraceRow::Truth truth{Eigen::Isometry3d::Identity(), line.vector("ball_x", "ball_y", "ball_z")};
+  truth.torso.translation() = line.vector("torso_x", "torso_y", "torso_z");
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) {
+      truth.torso.linear()(i, j) = line.required("r" + std::to_string(i) + std::to_string(j));
+    }
+  }
+  return truth;
+}
+
+TraceRow readRow(const Line& line, const RobotModel& model) {
+  TraceRow row;
+  row.time = line.required("t");
+  for (const JointSpec& joint : model.joints) {
+    row.command.push_back(line.optional("cmd_" + joint.effector));
+    row.angle.push_back(line.optional("ang_" + joint.effector));
+  }
+  row.gyro = line.vector("gyr_x", "gyr_y", "gyr_z");
+  row.accelerometer = line.vector("acc_x", "acc_y", "acc_z");
+  row.feet = {readFoot(line, "rf"), readFoot(line, "lf")};
+  row.truth = readTruth(line);
+  return row;
+}
+
+}  // namespace
+
+Trace readTrace(const std::string& path) {
+  const std::string text = readFile(path);
+  std::vector<std::string_view> lines = split(text, '\n');
+  Trace trace;
+  trace.name = std::filesystem::path(path).filename().string();
+  trace.name = trace.name.substr(0, trace.name.find('.'));
+
+  const std::string head(lines.front());
+  std::smatch match;
+  if (lines.size() < 3 || !std::regex_search(head, match, std::regex("robot type ([0-4]);"))) {
+    throw std::runtime_error(path + " is not a recording");
+  }
+  trace.type = std::stoi(match[1]);
+  const bool of_robot = head.find("(agent") != std::string::npos;
+  const auto position = vectorAfter(head, "pos");
+  (of_robot ? trace.setup.robot_position : trace.setup.ball_position) = position;
+  trace.setup.ball_velocity = vectorAfter(head, "vel");
+
+  std::map<std::string, std::size_t, std::less<>> columns;
+  for (const std::string_view& name : split(lines[1], ',')) {
+    columns.emplace(name, columns.size());
+  }
+  const RobotModel& model = robotModel(trace.type);
+  for (std::size_t i = 2; i < lines.size(); ++i) {
+    if (lines[i].empty()) continue;
+    trace.rows.push_back(readRow(Line(columns, split(lines[i], ',')), model));
+  }
+  return trace;
+}
+
+}  // namespace arena

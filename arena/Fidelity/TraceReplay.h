@@ -1,0 +1,36 @@
+#ifndef QUOLNARIS_FIDELITY_TRACEREPLAY_H_
+#define QUOLNARIS_FIDELITY_TRACEREPLAY_H_
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "Fidelity/Trace.h"
+
+namespace arena {
+
+// Gives a fresh physics world the commands of a recording, from the same start, and returns what it
+// senses: as many rows as the recording has, with the recording's times and commands.
+std::vector<TraceRow> replayTrace(const Trace& trace);
+
+// How far a replay is from its recording. Root mean squares over the compared rows; of several
+// channels the worst one counts.
+struct TraceDifference {
+  std::size_t rows = 0;        // compared: all, or those before a fall's first contact
+  double angle = 0.0;          // degrees, worst joint
+  double torso = 0.0;          // m, distance
+  double gyro = 0.0;           // degrees/s, worst axis
+  double accelerometer = 0.0;  // part of the recording's range, worst axis
+  double foot_force = 0.0;     // part of the recording's range, worst foot and axis
+  double ball = 0.0;           // largest distance by the distance travelled; 0 for a ball at rest
+  double angle_max = 0.0;      // degrees, largest single difference
+  double torso_max = 0.0;      // m
+};
+
+// Compares rows 0 to `end` - 1.
+TraceDifference compareTrace(const Trace& recorded, const std::vector<TraceRow>& replayed,
+                             std::size_t end);
+
+}  // namespace arena
+
+#endif  // QUOLNARIS_FIDELITY_TRACEREPLAY_H_

@@ -1,0 +1,275 @@
+#include "Physics/PhysicsWorld.h"
+
+#include <algorithm>
+#include <cassert>
+
+#include "Physics/Constants.h"
+#include "Physics/Field.h"
+#include "Physics/Surface.h"
+
+namespace arena {
+namespace {
+
+constexpr double kWorldCfm = 1e-5;
+constexpr double kContactSurfaceLayer = 0.001;  // m
+constexpr int kMaxContacts = 4;                 // per pair of shapes
+constexpr double kBallDrag = 0.01;              // N per m/s
+constexpr double kBallSpinDrag = 5e-5;          // N·m per rad/s
+const dMatrix3 kHalfTurn{-1.0, 0.0, 0.0, 0.0, 0.0, -1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0};
+const Eigen::Vector3d kBallStart{0.0, 0.0, kBallRadius};
+const Eigen::Vector3d kRobotStart{0.0, -1.0, 1.5};
+
+// The engine counts its users: the first one starts it, the last one stops it.
+void startEngine() {
+  static const bool started = dInitODE2(0) != 0;
+  assert(started);
+  (void)started;
+}
+
+Eigen::Vector3d vectorOf(const dReal* v) {
+  return {v[0], v[1], v[2]};
+}
+
+const Surface& surfaceOf(GeomTag::Kind kind) {
+  switch (kind) {
+    case GeomTag::Kind::Ground:
+      return kGroundSurface;
+    case GeomTag::Kind::Ball:
+      return kBallSurface;
+    case GeomTag::Kind::Robot:
+      return kRobotSurface;
+    default:
+      return kWallSurface;
+  }
+}
+
+bool isSensor(const GeomTag& tag) {
+  return tag.kind == GeomTag::Kind::LeftGoalSensor || tag.kind == GeomTag::Kind::RightGoalSensor;
+}
+
+}  // namespace
+
+PhysicsWorld::PhysicsWorld() {
+  startEngine();
+  world_ = dWorldCreate();
+  space_ = dHashSpaceCreate(nullptr);
+  contact_group_ = dJointGroupCreate(0);
+  dWorldSetGravity(world_, 0.0, 0.0, -kGravity);
+  dWorldSetCFM(world_, kWorldCfm);
+  dWorldSetContactSurfaceLayer(world_, kContactSurfaceLayer);
+  dWorldSetAutoDisableFlag(world_, 1);
+
+  const dGeomID ground = dCreatePlane(space_, 0.0, 0.0, 1.0, 0.0);
+  dGeomSetData(ground, &ground_tag_);
+  dGeomSetCategoryBits(ground, kStaticBit);
+  dGeomSetCollideBits(ground, kRobotBit | kBallBit);
+  buildGoal(Side::Left);
+  buildGoal(Side::Right);
+  for (const StaticBox& wall : kOuterWalls) {
+    buildStaticBox(space_, wall.centre.data(), wall.size.data(), &wall_tag_, kStaticBit,
+                   kRobotBit | kBallBit, false);
+  }
+
+  ball_ = dBodyCreate(world_);
+  dMass mass;
+  dMassSetSphereTotal(&mass, kBallMass, kBallRadius);
+  dBodySetMass(ball_, &mass);
+  dBodySetPosition(ball_, kBallStart.x(), kBallStart.y(), kBallStart.z());
+  const dGeomID ball = dCreateSphere(space_, kBallRadius);
+  dGeomSetData(ball, &ball_tag_);
+  dGeomSetBody(ball, ball_);
+  dGeomSetCategoryBits(ball, kBallBit);
+}
+
+PhysicsWorld::~PhysicsWorld() {
+  robots_.clear();
+  dJointGroupDestroy(contact_group_);
+  dSpaceDestroy(space_);
+  dWorldDestroy(world_);
+}
+
+void PhysicsWorld::buildStaticBox(dSpaceID space, const double* centre, const double* size,
+                                  GeomTag* tag, unsigned long category, unsigned long collide,
+                                  bool turned) {
+  const dGeomID box = dCreateBox(space, size[0], size[1], size[2]);
+  dGeomSetPosition(box, centre[0], centre[1], centre[2]);
+  if (turned) dGeomSetRotation(box, kHalfTurn);
+  dGeomSetData(box, tag);
+  dGeomSetCategoryBits(box, category);
+  dGeomSetCollideBits(box, collide);
+}
+
+void PhysicsWorld::buildGoal(Side side) {
+  const double turn = side == Side::Left ? 1.0 : -1.0;
+  const auto mirrored = [turn](const StaticBox& box) {
+    return StaticBox{{turn * box.centre[0], turn * box.centre[1], box.centre[2]}, box.size};
+  };
+  const dSpaceID space = dHashSpaceCreate(space_);
+  dSpaceSetCleanup(space, 1);
+  dGeomSetCategoryBits(reinterpret_cast<dGeomID>(space), kStaticBit);
+  dGeomSetCollideBits(reinterpret_cast<dGeomID>(space), kRobotBit | kBallBit);
+  for (const StaticBox& part : kLeftGoalParts) {
+    const StaticBox box = mirrored(part);
+    buildStaticBox(space, box.centre.data(), box.size.data(), &wall_tag_, kStaticBit,
+                   kRobotBit | kBallBit, side == Side::Right);
+  }
+  const StaticBox box = mirrored(kLeftGoalSensor);
+  buildStaticBox(space, box.centre.data(), box.size.data(),
+                 side == Side::Left ? &left_sensor_tag_ : &right_sensor_tag_, kSensorBit, kBallBit,
+                 side == Side::Right);
+}
+
+RobotBody& PhysicsWorld::addRobot(RobotHandle handle, int type) {
+  assert(robot(handle) == nullptr);
+  robots_.push_back(
+      std::make_unique<RobotBody>(world_, space_, handle, robotModel(type), kRobotStart));
+  return *robots_.back();
+}
+
+void PhysicsWorld::removeRobot(RobotHandle handle) {
+  std::erase_if(robots_, [handle](const auto& robot) { return robot->handle() == handle; });
+  // Nothing may be reported about a robot that is gone.
+  std::erase_if(ball_contacts_, [handle](const BallContact& c) { return c.robot == handle; });
+  std::erase_if(robot_contacts_, [handle](const RobotContact& c) {
+    return c.first == handle || c.second == handle;
+  });
+}
+
+RobotBody* PhysicsWorld::robot(RobotHandle handle) const {
+  for (const auto& robot : robots_) {
+    if (robot->handle() == handle) return robot.get();
+  }
+  return nullptr;
+}
+
+Eigen::Vector3d PhysicsWorld::ballPosition() const {
+  return vectorOf(dBodyGetPosition(ball_));
+}
+
+Eigen::Vector3d PhysicsWorld::ballVelocity() const {
+  return vectorOf(dBodyGetLinearVel(ball_));
+}
+
+Eigen::Vector3d PhysicsWorld::ballSpin() const {
+  return vectorOf(dBodyGetAngularVel(ball_));
+}
+
+Eigen::Matrix3d PhysicsWorld::ballRotation() const {
+  const dReal* r = dBodyGetRotation(ball_);
+  Eigen::Matrix3d m;
+  m << r[0], r[1], r[2],  //
+      r[4], r[5], r[6],   //
+      r[8], r[9], r[10];
+  return m;
+}
+
+void PhysicsWorld::setBallPosition(const Eigen::Vector3d& position) {
+  dBodySetPosition(ball_, position.x(), position.y(), position.z());
+  dBodyEnable(ball_);
+}
+
+void PhysicsWorld::setBallVelocity(const Eigen::Vector3d& velocity) {
+  dBodySetLinearVel(ball_, velocity.x(), velocity.y(), velocity.z());
+  dBodySetAngularVel(ball_, 0.0, 0.0, 0.0);
+  dBodyEnable(ball_);
+}
+
+void PhysicsWorld::applyBallDrag() {
+  const dReal* v = dBodyGetLinearVel(ball_);
+  const dReal* w = dBodyGetAngularVel(ball_);
+  dBodyAddForce(ball_, -kBallDrag * v[0], -kBallDrag * v[1], -kBallDrag * v[2]);
+  dBodyAddTorque(ball_, -kBallSpinDrag * w[0], -kBallSpinDrag * w[1], -kBallSpinDrag * w[2]);
+}
+
+void PhysicsWorld::step() {
+  ball_contacts_.clear();
+  robot_contacts_.clear();
+  pending_.clear();
+  goal_hit_ = {};
+  for (const auto& robot : robots_) {
+    robot->clearFootContacts();
+    robot->sampleAccelerometer();
+    robot->applyDrag();
+  }
+  applyBallDrag();
+  dSpaceCollide(space_, this, &PhysicsWorld::nearCallback);
+  dWorldStep(world_, kStepSeconds);
+  readFootForces();
+  dJointGroupEmpty(contact_group_);
+}
+
+void PhysicsWorld::nearCallback(void* self, dGeomID first, dGeomID second) {
+  if (dGeomIsSpace(first) || dGeomIsSpace(second)) {
+    // Parts of one robot never meet: a space is never collided with itself.
+    dSpaceCollide2(first, second, self, &PhysicsWorld::nearCallback);
+    return;
+  }
+  static_cast<PhysicsWorld*>(self)->collide(first, second);
+}
+
+void PhysicsWorld::collide(dGeomID first, dGeomID second) {
+  const GeomTag& first_tag = *static_cast<const GeomTag*>(dGeomGetData(first));
+  const GeomTag& second_tag = *static_cast<const GeomTag*>(dGeomGetData(second));
+  std::array<dContact, kMaxContacts> contacts;
+  const int count = dCollide(first, second, kMaxContacts, &contacts[0].geom, sizeof(dContact));
+  if (count == 0) return;
+  recordContacts(first_tag, second_tag, contacts.data(), count);
+  if (isSensor(first_tag) || isSensor(second_tag)) return;
+
+  const dSurfaceParameters surface =
+      mixSurfaces(surfaceOf(first_tag.kind), surfaceOf(second_tag.kind));
+  // Feet feel what they stand on or kick against, but not the ball. Between two robots the first of
+  // the pair alone feels the force.
+  const bool ball = first_tag.kind == GeomTag::Kind::Ball || second_tag.kind == GeomTag::Kind::Ball;
+  const bool first_senses = first_tag.kind == GeomTag::Kind::Robot;
+  const GeomTag& tag = first_senses ? first_tag : second_tag;
+  const bool senses = !ball && tag.kind == GeomTag::Kind::Robot &&
+                      !tag.robot->model().bodies[tag.body].sensor.empty();
+  for (int i = 0; i < count; ++i) {
+    contacts[i].surface = surface;
+    const dJointID joint = dJointCreateContact(world_, contact_group_, &contacts[i]);
+    dJointAttach(joint, dGeomGetBody(first), dGeomGetBody(second));
+    if (!senses) continue;
+    if (pending_.size() == feedbacks_.size()) {
+      feedbacks_.push_back(std::make_unique<dJointFeedback>());
+    }
+    dJointFeedback* feedback = feedbacks_[pending_.size()].get();
+    *feedback = {};
+    dJointSetFeedback(joint, feedback);
+    PendingFootForce pending{
+        tag.robot, tag.body, {}, feedback, dGeomGetBody(first_senses ? first : second), joint};
+    std::copy_n(contacts[i].geom.pos, 3, pending.point);
+    pending_.push_back(pending);
+  }
+}
+
+void PhysicsWorld::recordContacts(const GeomTag& first, const GeomTag& second,
+                                  const dContact* contacts, int count) {
+  using Kind = GeomTag::Kind;
+  for (const auto& [a, b] : {std::pair(&first, &second), std::pair(&second, &first)}) {
+    if (a->kind == Kind::LeftGoalSensor) goal_hit_[index(Side::Left)] = true;
+    if (a->kind == Kind::RightGoalSensor) goal_hit_[index(Side::Right)] = true;
+    if (a->kind != Kind::Robot || b->kind != Kind::Ball) continue;
+    for (int i = 0; i < count; ++i) {
+      ball_contacts_.push_back({a->robot->handle(), vectorOf(contacts[i].geom.pos)});
+    }
+  }
+  if (first.kind != Kind::Robot || second.kind != Kind::Robot) return;
+  for (int i = 0; i < count; ++i) {
+    robot_contacts_.push_back({first.robot->handle(), second.robot->handle(),
+                               first.robot->model().bodies[first.body].body,
+                               second.robot->model().bodies[second.body].body,
+                               vectorOf(contacts[i].geom.pos)});
+  }
+}
+
+void PhysicsWorld::readFootForces() {
+  for (const PendingFootForce& pending : pending_) {
+    const bool is_first = dJointGetBody(pending.joint, 0) == pending.on;
+    pending.robot->addFootContact(pending.body, pending.point,
+                                  is_first ? pending.feedback->f1 : pending.feedback->f2);
+  }
+  for (const auto& robot : robots_) robot->updateFootSensors();
+}
+
+}  // namespace arena

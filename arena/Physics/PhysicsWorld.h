@@ -1,0 +1,91 @@
+#ifndef QUOLNARIS_PHYSICS_PHYSICSWORLD_H_
+#define QUOLNARIS_PHYSICS_PHYSICSWORLD_H_
+
+#include <ode/ode.h>
+
+#include <Eigen/Geometry>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "Common/Side.h"
+#include "Physics/GeomTag.h"
+#include "Physics/RobotBody.h"
+#include "Referee/RefereeWorld.h"
+
+namespace arena {
+
+// The pitch in the physics engine: ground, walls, goals, ball and robots. One call of step() is one
+// cycle of 20 ms. World frame as in Field.h.
+class PhysicsWorld {
+ public:
+  PhysicsWorld();
+  ~PhysicsWorld();
+  PhysicsWorld(const PhysicsWorld&) = delete;
+  PhysicsWorld& operator=(const PhysicsWorld&) = delete;
+
+  // Builds a robot above the pitch; it starts to fall. The reference stays valid until its removal.
+  // REQUIRES 0 <= type < kRobotTypeCount and a handle that no robot of this world has.
+  RobotBody& addRobot(RobotHandle handle, int type);
+  void removeRobot(RobotHandle handle);
+  // Null for an unknown handle.
+  RobotBody* robot(RobotHandle handle) const;
+  // In order of their building.
+  const std::vector<std::unique_ptr<RobotBody>>& robots() const { return robots_; }
+
+  Eigen::Vector3d ballPosition() const;
+  Eigen::Vector3d ballVelocity() const;
+  Eigen::Vector3d ballSpin() const;  // rad/s
+  Eigen::Matrix3d ballRotation() const;
+  // Each wakes the ball. Setting the velocity also ends its spin.
+  void setBallPosition(const Eigen::Vector3d& position);
+  void setBallVelocity(const Eigen::Vector3d& velocity);
+
+  void step();
+
+  // What touched in the last step.
+  std::span<const BallContact> ballContacts() const { return ball_contacts_; }
+  std::span<const RobotContact> robotContacts() const { return robot_contacts_; }
+  bool goalSensorHit(Side side) const { return goal_hit_[index(side)]; }
+
+ private:
+  struct PendingFootForce {
+    RobotBody* robot;
+    int body;
+    dVector3 point;
+    dJointFeedback* feedback;
+    dBodyID on;
+    dJointID joint;
+  };
+
+  void buildStaticBox(dSpaceID space, const double* centre, const double* size, GeomTag* tag,
+                      unsigned long category, unsigned long collide, bool turned);
+  void buildGoal(Side side);
+  void applyBallDrag();
+  static void nearCallback(void* self, dGeomID first, dGeomID second);
+  void collide(dGeomID first, dGeomID second);
+  void recordContacts(const GeomTag& first, const GeomTag& second, const dContact* contacts,
+                      int count);
+  void readFootForces();
+
+  dWorldID world_;
+  dSpaceID space_;
+  dJointGroupID contact_group_;
+  dBodyID ball_;
+  GeomTag ground_tag_{GeomTag::Kind::Ground};
+  GeomTag wall_tag_{GeomTag::Kind::Wall};
+  GeomTag ball_tag_{GeomTag::Kind::Ball};
+  GeomTag left_sensor_tag_{GeomTag::Kind::LeftGoalSensor};
+  GeomTag right_sensor_tag_{GeomTag::Kind::RightGoalSensor};
+  std::vector<std::unique_ptr<RobotBody>> robots_;
+
+  std::vector<BallContact> ball_contacts_;
+  std::vector<RobotContact> robot_contacts_;
+  std::array<bool, 2> goal_hit_{};
+  std::vector<PendingFootForce> pending_;
+  std::vector<std::unique_ptr<dJointFeedback>> feedbacks_;
+};
+
+}  // namespace arena
+
+#endif  // QUOLNARIS_PHYSICS_PHYSICSWORLD_H_

@@ -1,0 +1,39 @@
+#include "Physics/Surface.h"
+
+namespace arena {
+namespace {
+
+std::optional<double> mix(const std::optional<double>& first, const std::optional<double>& second) {
+  if (first && second) return (*first + *second) / 2.0;
+  return first ? first : second;
+}
+
+}  // namespace
+
+dSurfaceParameters mixSurfaces(const Surface& first, const Surface& second) {
+  dSurfaceParameters result{};
+  result.mu = dInfinity;
+  if (first.bounce || second.bounce) {
+    const Surface::Bounce& a = first.bounce ? *first.bounce : *second.bounce;
+    const Surface::Bounce& b = second.bounce ? *second.bounce : *first.bounce;
+    result.mode |= dContactBounce;
+    result.bounce = (a.restitution + b.restitution) / 2.0;
+    result.bounce_vel = (a.min_speed + b.min_speed) / 2.0;
+  }
+  if (const auto erp = mix(first.soft_erp, second.soft_erp)) {
+    result.mode |= dContactSoftERP;
+    result.soft_erp = *erp;
+  }
+  if (const auto cfm = mix(first.soft_cfm, second.soft_cfm)) {
+    result.mode |= dContactSoftCFM;
+    result.soft_cfm = *cfm;
+  }
+  if (const auto slip = mix(first.slip, second.slip)) {
+    result.mode |= dContactSlip1 | dContactSlip2;
+    result.slip1 = *slip;
+    result.slip2 = *slip;
+  }
+  return result;
+}
+
+}  // namespace arena

@@ -216,9 +216,11 @@ class BaseMatrix : public RefHandle<DataContainer<T, M, N>> {
   Matrix& self() { return static_cast<Matrix&>(*this); }
 
   static void requireInside(int i, int j) {
-    if (i < 0 || i >= M || j < 0 || j >= N) {
-      throw MatrixIndexOutOfBoundsException("BaseMatrix.get() ");
-    }
+    if (i < 0 || i >= M || j < 0 || j >= N) throwOutOfBounds();
+  }
+
+  [[noreturn]] static void throwOutOfBounds() {
+    throw MatrixIndexOutOfBoundsException("BaseMatrix.get() ");
   }
 
   void makeWritable() {

@@ -6,6 +6,9 @@
 #include "BasicAction/Reset.h"
 #include "BasicAction/SeeBall.h"
 #include "BasicAction/StandUp.h"
+#include "BasicAction/TAB.h"
+#include "BasicAction/Turn.h"
+#include "BasicAction/Walk.h"
 #include "Decision/Actions.h"
 
 Agent::Agent() : GOAL(15, 0, 0) {
@@ -13,8 +16,11 @@ Agent::Agent() : GOAL(15, 0, 0) {
   standUp = new StandUp;
   reset = new Reset;
   dive = new Dive;
+  turn = new Turn;
+  walk = new Walk;
   seeBall = new SeeBall;
   feedBack = new FeedBack;
+  turnAroundBall = new TAB;
   actions = new Actions;
 }
 
@@ -23,11 +29,15 @@ Agent::~Agent() {
   delete standUp;
   delete reset;
   delete dive;
+  delete turn;
+  delete walk;
   delete seeBall;
   delete feedBack;
 }
 
 void Agent::resetAllVars() {
+  walk->resetVars();
+  turn->resetVars();
   dive->resetVars();
   kick->resetVars();
   reset->resetVars();

@@ -69,7 +69,8 @@ void Logger::add(const std::string& name, const Timer* timer) {
 }
 
 void Logger::add(const std::string& name, int number, const Timer* timer) {
-  add(name + static_cast<char>('0' + number), timer);
+  const std::string fileName = name + static_cast<char>('0' + number);
+  logStreams->add(name, new LogFile(kDirectory + fileName + kExtension, timer));
 }
 
 LogStream& Logger::operator[](std::string_view name) const {

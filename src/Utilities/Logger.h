@@ -95,8 +95,9 @@ class Logger {
   /// Opens "./Logs/<name>.log". The timer must outlive the stream; it may be null.
   void add(const std::string& name, const Timer* timer);
 
-  /// Opens "./Logs/<name><c>.log" where the character c has the code of "0" plus `number`: from 10
-  /// on it is no digit ("Agent:.log"), and the files are known by these names.
+  /// Opens "./Logs/<name><c>.log" as the stream `name`, where the character c has the code of "0"
+  /// plus `number`: from 10 on it is no digit ("Agent:.log"), and the files are known by these
+  /// names.
   void add(const std::string& name, int number, const Timer* timer);
 
   LogStream& operator[](std::string_view name) const;

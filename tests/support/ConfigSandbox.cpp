@@ -8,7 +8,7 @@ ConfigSandbox::ConfigSandbox() : previous(Config::configFiles) {
   Config::configFiles = new Config::ConfigFiles;
 }
 
-ConfigSandbox::ConfigSandbox(const Files& files) : ConfigSandbox() {
+ConfigSandbox::ConfigSandbox(Files files) : ConfigSandbox() {
   load(files);
 }
 
@@ -17,9 +17,9 @@ ConfigSandbox::~ConfigSandbox() {
   Config::configFiles = previous;
 }
 
-void ConfigSandbox::load(const Files& files) {
+void ConfigSandbox::load(Files files) {
   const TempDirectory directory;
-  for (const auto& [name, text] : files) directory.write("Configs/" + name + ".conf", text);
+  for (const File& file : files) directory.write("Configs/" + file.name + ".conf", file.text);
   std::filesystem::create_directories(directory.path() / "Configs");
   const WorkingDirectory inside(directory.path());
   config.addFiles();

@@ -1,7 +1,7 @@
 #ifndef QUOLNARIS_TESTS_SUPPORT_CONFIGSANDBOX_H_
 #define QUOLNARIS_TESTS_SUPPORT_CONFIGSANDBOX_H_
 
-#include <map>
+#include <initializer_list>
 #include <string>
 
 #include "Utilities/Config.h"
@@ -11,7 +11,7 @@ namespace support {
 /// Gives the global `config` an empty store for the life of this object, and the former store back
 /// afterwards. To load files into it:
 ///
-///   support::ConfigSandbox sandbox({{"Agent", "[Public]\nType = 0\n"}});
+///   support::ConfigSandbox sandbox{{"Agent", "[Public]\nType = 0\n"}};
 ///   sandbox.load({{"Agent", "[Public]\nType = 4\n"}});  // overrides, keeps what is not named
 ///   sandbox.loadDeployment();                           // the repository's Configs/
 ///
@@ -19,16 +19,20 @@ namespace support {
 /// read by `Config::addFiles` there. The working directory is the same again after each call.
 class ConfigSandbox {
  public:
-  /// Texts of files by name, the name without ".conf".
-  using Files = std::map<std::string, std::string>;
+  /// The name of a file, without ".conf", and its text.
+  struct File {
+    std::string name;
+    std::string text;
+  };
+  using Files = std::initializer_list<File>;
 
   ConfigSandbox();
-  explicit ConfigSandbox(const Files& files);
+  ConfigSandbox(Files files);
   ~ConfigSandbox();
   ConfigSandbox(const ConfigSandbox&) = delete;
   ConfigSandbox& operator=(const ConfigSandbox&) = delete;
 
-  void load(const Files& files);
+  void load(Files files);
   void loadDeployment();
 
   /// Sets one key of a loaded file; makes the group if it is absent.

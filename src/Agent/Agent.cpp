@@ -1,5 +1,10 @@
 #include "Agent/Agent.h"
 
+#include "AdvancedAction/Decide.h"
+#include "AdvancedAction/GoToBall.h"
+#include "AdvancedAction/GoToGoal.h"
+#include "AdvancedAction/GoToKick.h"
+#include "AdvancedAction/GoToPoint.h"
 #include "BasicAction/Dive.h"
 #include "BasicAction/FeedBack.h"
 #include "BasicAction/Kick.h"
@@ -20,8 +25,13 @@ Agent::Agent() : GOAL(15, 0, 0) {
   walk = new Walk;
   seeBall = new SeeBall;
   feedBack = new FeedBack;
+  goToBall = new GoToBall;
   turnAroundBall = new TAB;
   actions = new Actions;
+  decide = new Decide;
+  goToPoint = new GoToPoint;
+  goToKick = new GoToKick;
+  goToGoal = new GoToGoal;
 }
 
 Agent::~Agent() {
@@ -41,4 +51,8 @@ void Agent::resetAllVars() {
   dive->resetVars();
   kick->resetVars();
   reset->resetVars();
+  goToPoint->resetVars();
+  goToKick->resetVars();
+  goToGoal->resetVars();
+  goToBall->resetVars();
 }

@@ -2,6 +2,10 @@
 
 #include <cstdlib>
 
+#include "BasicAction/BasicAction.h"
+#include "BasicAction/FeedBack.h"
+#include "Decision/Actions.h"
+#include "Decision/Decision.h"
 #include "Utilities/Config.h"
 #include "Utilities/Logger.h"
 #include "Utilities/Say.h"
@@ -30,6 +34,10 @@ OurPlayer::~OurPlayer() {
 }
 
 void OurPlayer::publish() {
+  BasicAction::agent = this;
+  Actions::agent = this;
+  FeedBack::agent = this;
+  Decision::advancedAgent = this;
   Say::advancedAgent = this;
 }
 
@@ -51,6 +59,7 @@ void OurPlayer::run() {
 void OurPlayer::cycle() {
   WM->update(msg);
   bControl.adjustJoints();
+  de.decision();
   bControl.makeCommand(command);
   command->setFinal();
 }

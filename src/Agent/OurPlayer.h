@@ -2,6 +2,7 @@
 #define QUOLNARIS_AGENT_OURPLAYER_H_
 
 #include "Agent/AdvancedAgent.h"
+#include "Decision/Decision.h"
 
 // The player: start-up, handshake and the endless cycle.
 //
@@ -27,6 +28,8 @@ class OurPlayer : public AdvancedAgent {
   // One cycle after `msg` has arrived: belief, decision, and the answer in `command`, which the
   // caller sends and clears.
   void cycle();
+
+  Decision de;  // decides in every cycle
 
  private:
   void bindJoints();

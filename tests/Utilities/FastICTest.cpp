@@ -17,8 +17,8 @@ namespace {
 constexpr int kMyNumber = 7;
 constexpr float kNow = 100;
 
-// A world with all players numbered and out of sight, and the own player at the centre looking
-// towards +x.
+// A world with all players numbered and out of sight, and the own player too far away to reach
+// anything, looking towards +x.
 class FastICTest : public ::testing::Test {
  protected:
   FastICTest() {
@@ -27,6 +27,7 @@ class FastICTest : public ::testing::Test {
     world = std::make_unique<WorldModel>();
     world->gameTime = kNow;
     play(SIDE_LEFT);
+    putMe(0, 500);
     for (int i = 0; i < 11; ++i) {
       number(0, i + 1);
       number(1, i + 1);

@@ -37,7 +37,7 @@ class DiveTest : public ::testing::Test {
            bothLegs(3, 80, 70, 5) + bothLegs(1, -65, 70, 5);
   }
 
-  TestBody body;
+  ::TestBody body;
   Dive& dive = *body.agent.dive;
   std::string printed;
 };
@@ -83,7 +83,7 @@ TEST_F(DiveTest, FrontDiveLiesStillForItsCycles) {
   EXPECT_TRUE(dive.execute());
   EXPECT_EQ(dive.diveState, 0);
   EXPECT_EQ(Dive::freezeCycle, 3);  // only resetVars clears it
-  for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 TEST_F(DiveTest, WithNoCyclesToLieTheDiveEndsAtOnce) {
@@ -223,7 +223,7 @@ TEST_F(DiveTest, ShortBlockDoesNothingWithinAnotherDive) {
   body.markCommands();
   EXPECT_FALSE(dive.execute());
   EXPECT_EQ(body.takeLog(), "return false\n");
-  for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 TEST_F(DiveTest, ResetVars) {

@@ -25,7 +25,7 @@ class FeedBackTest : public ::testing::Test {
     checkFrame(body, {[] {}, [&] { out = feedBack.execute(); }, [&] { return out; }, commands});
   }
 
-  TestBody body;
+  ::TestBody body;
   FeedBack& feedBack = *body.agent.feedBack;
 };
 
@@ -87,7 +87,7 @@ TEST_F(FeedBackTest, QuietYieldsFalse) {
   body.world->mySelf->setAccellerator(Vector(0, 0, 9));
   body.markCommands();
   EXPECT_FALSE(feedBack.execute());
-  for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 TEST_F(FeedBackTest, KeepsQuietDuringAReset) {
@@ -96,7 +96,7 @@ TEST_F(FeedBackTest, KeepsQuietDuringAReset) {
     body.agent.actions->NowAction.actionType = running;
     body.markCommands();
     EXPECT_TRUE(feedBack.execute());
-    EXPECT_FALSE(body.commanded({TestBody::Limb::kHand, kLeft, 1}));
+    EXPECT_FALSE(body.commanded({::TestBody::Limb::kHand, kLeft, 1}));
   }
 }
 
@@ -116,7 +116,7 @@ TEST_F(FeedBackTest, FallInItsOtherVariantsMovesNothing) {
   EXPECT_TRUE(feedBack.fall());
   feedBack.fstate = 3;
   EXPECT_FALSE(feedBack.fall());
-  for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 }  // namespace

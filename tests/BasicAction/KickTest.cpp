@@ -20,7 +20,7 @@ using Solver = bool (BasicAgent::*)(Vector, Vector, double*, bool, double, doubl
 
 class KickTest : public ::testing::Test {
  protected:
-  void setType(int type) { TestBody::configure("Agent", "Public", "Type", std::to_string(type)); }
+  void setType(int type) { ::TestBody::configure("Agent", "Public", "Type", std::to_string(type)); }
 
   // The twelve commands of a pose, from the given points and not from the action.
   CommandList pose(Solver solver, bool side, Vector torso, Vector ankleSide, Vector ankleOther,
@@ -64,10 +64,10 @@ class KickTest : public ::testing::Test {
       step();
       EXPECT_FALSE(left());
       issued.push_back(next);
-      for (const TestBody::Hinge& hinge : TestBody::hinges()) {
+      for (const ::TestBody::Hinge& hinge : ::TestBody::hinges()) {
         bool expected = false;
         for (const JointCommand& c : issued) expected |= c.hinge == hinge;
-        EXPECT_EQ(body.commanded(hinge), expected) << TestBody::name(hinge);
+        EXPECT_EQ(body.commanded(hinge), expected) << ::TestBody::name(hinge);
       }
       EXPECT_FLOAT_EQ(body.target(next.hinge), next.value);
       EXPECT_NEAR(body.controller(next.hinge).Angle, next.gain / 100 * (next.error + 0.5), 1e-4);
@@ -77,7 +77,7 @@ class KickTest : public ::testing::Test {
     EXPECT_TRUE(left());
   }
 
-  TestBody body;
+  ::TestBody body;
   Kick& kick = *body.agent.kick;
   std::string printed;
 };
@@ -165,7 +165,7 @@ TEST_F(KickTest, FirstAndLastFrameSetTheResetsParametersAndMoveNothing) {
     EXPECT_EQ(reset.State, 0);
     EXPECT_EQ(reset.Speed, 10);
     EXPECT_EQ(reset.SP, 5);
-    for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   }
   // After a finished kick the next one starts with the straightening.
   EXPECT_FALSE(kick.unstable());
@@ -252,7 +252,7 @@ TEST_F(KickTest, AFrameThatNobodyHandlesNeverEnds) {
     body.markCommands();
     EXPECT_FALSE(kick.unstable());
     EXPECT_EQ(kick.stableState, 1700);
-    for (const auto& hinge : TestBody::hinges()) ASSERT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : ::TestBody::hinges()) ASSERT_FALSE(body.commanded(hinge));
     body.nextCycle();
   }
   kick.resetVars();
@@ -427,7 +427,7 @@ TEST_F(KickTest, StrongKickNeverEndsByItself) {
   for (int cycle = 0; cycle < 300; ++cycle) {
     body.markCommands();
     EXPECT_FALSE(kick.unstable1());
-    for (const auto& hinge : TestBody::hinges()) ASSERT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : ::TestBody::hinges()) ASSERT_FALSE(body.commanded(hinge));
     body.nextCycle();
   }
   EXPECT_EQ(kick.unStableState1, 80);
@@ -452,7 +452,7 @@ TEST_F(KickTest, StrongKickHasAnEndThatNothingLeadsTo) {
   EXPECT_EQ(body.agent.reset->State, 0);
   EXPECT_EQ(body.agent.reset->Speed, 10);
   EXPECT_EQ(body.agent.reset->SP, 5);
-  for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 TEST_F(KickTest, FramesOfAStrongKickOnAnObeyingBody) {

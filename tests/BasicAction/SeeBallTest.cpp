@@ -18,7 +18,7 @@ class SeeBallTest : public ::testing::Test {
     body.world->ball->setLastTimeSeen(10 - seconds);
   }
 
-  TestBody body;
+  ::TestBody body;
   SeeBall& seeBall = *body.agent.seeBall;
 };
 
@@ -98,7 +98,7 @@ TEST_F(SeeBallTest, AfterADownwardSweepTheTiltIsLevelledAgain) {
   seeBall.SeeAll();
   EXPECT_EQ(SeeBall::aroundState, 0);
   EXPECT_EQ(seeBall.lookDown, 0);
-  EXPECT_FALSE(body.commanded({TestBody::Limb::kHead, false, kTilt}));
+  EXPECT_FALSE(body.commanded({::TestBody::Limb::kHead, false, kTilt}));
 }
 
 TEST_F(SeeBallTest, ThePanComesFirstAtTheEndOfASweep) {
@@ -107,7 +107,7 @@ TEST_F(SeeBallTest, ThePanComesFirstAtTheEndOfASweep) {
   placeOutside(body, {headCommand(kPan, -120, 70, 5)});
   body.markCommands();
   seeBall.SeeAll();
-  EXPECT_FALSE(body.commanded({TestBody::Limb::kHead, false, kTilt}));
+  EXPECT_FALSE(body.commanded({::TestBody::Limb::kHead, false, kTilt}));
   EXPECT_EQ(SeeBall::aroundState, 2);
 }
 

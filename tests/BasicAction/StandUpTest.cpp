@@ -47,7 +47,7 @@ class StandUpTest : public ::testing::Test {
     return cycles;
   }
 
-  TestBody body;
+  ::TestBody body;
   StandUp& standUp = *body.agent.standUp;
 };
 
@@ -94,7 +94,7 @@ TEST_F(StandUpTest, FrontOpensTheHipsAlone) {
 
 TEST_F(StandUpTest, FrontLeavesTheHipsAloneForFifteenCycles) {
   standUp.standUpFState = 1;
-  const TestBody::Hinge hip{TestBody::Limb::kLeg, kRight, 3};
+  const ::TestBody::Hinge hip{::TestBody::Limb::kLeg, kRight, 3};
   for (int call = 1; call <= 20; ++call) {
     body.markCommands();
     standUp.init_front();
@@ -169,10 +169,10 @@ TEST_F(StandUpTest, FlipWaitsForEachCommandBeforeTheNext) {
     EXPECT_FALSE(standUp.init_flip());
     EXPECT_EQ(standUp.flipState, 0);
     issued = issued + next;
-    for (const TestBody::Hinge& hinge : TestBody::hinges()) {
+    for (const ::TestBody::Hinge& hinge : ::TestBody::hinges()) {
       bool expected = false;
       for (const JointCommand& c : issued) expected |= c.hinge == hinge;
-      EXPECT_EQ(body.commanded(hinge), expected) << TestBody::name(hinge);
+      EXPECT_EQ(body.commanded(hinge), expected) << ::TestBody::name(hinge);
     }
     for (const JointCommand& c : next) {
       EXPECT_FLOAT_EQ(body.target(c.hinge), c.value);
@@ -205,8 +205,8 @@ TEST_F(StandUpTest, SequencesEndOnAnObeyingBody) {
 }
 
 TEST_F(StandUpTest, AStuckJointHoldsTheSequence) {
-  body.place({TestBody::Limb::kLeg, kLeft, 3}, 60);
-  body.setResponse({TestBody::Limb::kLeg, kLeft, 3}, 0);
+  body.place({::TestBody::Limb::kLeg, kLeft, 3}, 60);
+  body.setResponse({::TestBody::Limb::kLeg, kLeft, 3}, 0);
   for (int cycle = 0; cycle < 500; ++cycle) {
     standUp.init_back();
     body.nextCycle();

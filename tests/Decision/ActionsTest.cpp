@@ -61,15 +61,15 @@ class ActionsTest : public ::testing::Test {
     InverseKinematic().legSolver(Vector(20, -5, -35), Vector(0, 0, 0), angles);
     body.placeAll(0);
     for (bool side : {kLeft, kRight}) {
-      body.place({TestBody::Limb::kHand, side, 1}, -90);
-      body.place({TestBody::Limb::kHand, side, 3}, side ? 90 : -90);
+      body.place({::TestBody::Limb::kHand, side, 1}, -90);
+      body.place({::TestBody::Limb::kHand, side, 3}, side ? 90 : -90);
       for (int joint = 2; joint <= 5; ++joint) {
-        body.place({TestBody::Limb::kLeg, side, joint}, static_cast<float>(angles[joint]));
+        body.place({::TestBody::Limb::kLeg, side, joint}, static_cast<float>(angles[joint]));
       }
     }
   }
 
-  TestBody body;
+  ::TestBody body;
   Agent& agent = body.agent;
   Actions& actions = *agent.actions;
   Walk& walk = *agent.walk;
@@ -208,7 +208,9 @@ TEST_F(RequestTest, MayNotBeLeftAndTheSameWithAnEndStepDue) {
       EXPECT_FALSE(endStepRan() && reset.resetCounter == 0 && reset.State == kNoEndStep);
     } else {
       EXPECT_TRUE(endStepRan());
-      if (r.type != AT_RESET) EXPECT_FALSE(r.ran());
+      if (r.type != AT_RESET) {
+        EXPECT_FALSE(r.ran());
+      }
     }
   }
 }
@@ -282,7 +284,9 @@ TEST_F(RequestTest, MayBeLeftAndTheSameWithAnEndStepDue) {
       EXPECT_TRUE(r.ran());  // the gait flows on from step to step
     } else {
       EXPECT_TRUE(endStepRan());
-      if (r.type != AT_RESET) EXPECT_FALSE(r.ran());
+      if (r.type != AT_RESET) {
+        EXPECT_FALSE(r.ran());
+      }
     }
   }
 }
@@ -297,7 +301,9 @@ TEST_F(RequestTest, CheckEndIsASecondReasonForAnEndStep) {
     r.spoil();
     EXPECT_EQ(r.ask(), r.type == AT_RESET || r.type == AT_DIVE);
     EXPECT_TRUE(endStepRan());
-    if (r.type != AT_RESET) EXPECT_FALSE(r.ran());
+    if (r.type != AT_RESET) {
+      EXPECT_FALSE(r.ran());
+    }
     actions.checkEnd = false;
   }
 }
@@ -353,7 +359,7 @@ TEST_F(ActionsTest, KickTypesRunTheirSequences) {
   EXPECT_EQ(kick.torso, Vector(40, -42, -10));
 
   for (int type : {0, 2}) {
-    TestBody::configure("Agent", "Public", "Type", std::to_string(type));
+    ::TestBody::configure("Agent", "Public", "Type", std::to_string(type));
     kick.torso = Vector(0, 0, 0);
     given(AT_NONE, true, false);
     actions.ChangeAction(kick.execute(kRight));
@@ -367,7 +373,7 @@ TEST_F(ActionsTest, AnUnknownKickTypeRunsNothing) {
   kick.type = AT_SIDE_KICK;
   body.markCommands();
   EXPECT_TRUE(actions.ChangeAction(&kick));
-  for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   EXPECT_EQ(actions.NowAction.actionType, AT_SIDE_KICK);
 }
 
@@ -387,11 +393,11 @@ TEST_F(ActionsTest, FirstCallOfANewTurnYieldsTrueAndMovesNothing) {
   const Vector target(-5, 3, 0);
   body.markCommands();
   EXPECT_TRUE(actions.ChangeAction(turn.execute(target, 5, 10)));
-  for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   EXPECT_EQ(turn.v, Vector(0, 0, 0));
   // The second call turns.
   EXPECT_FALSE(actions.ChangeAction(turn.execute(target, 5, 10)));
-  EXPECT_TRUE(body.commanded({TestBody::Limb::kLeg, kRight, 3}));
+  EXPECT_TRUE(body.commanded({::TestBody::Limb::kLeg, kRight, 3}));
 }
 
 // Likewise the first call of a left kick runs as a right one; its first frame moves nothing.
@@ -677,7 +683,7 @@ TEST_F(ActionsTest, AStandUpTakesOverInMidStep) {
     EXPECT_EQ(standUp.counter, 0);
     EXPECT_EQ(walk._forWalk->lx, 0);
     EXPECT_EQ(walk._forWalk->basicWalkState, 0);
-    EXPECT_TRUE(body.commanded({TestBody::Limb::kLeg, kRight, 1}));
+    EXPECT_TRUE(body.commanded({::TestBody::Limb::kLeg, kRight, 1}));
   }
 }
 
@@ -688,7 +694,7 @@ TEST_F(ActionsTest, EveryCycleOfAStandUpResetsAllMotionState) {
       walk._backWalk->lx = walk._forWalk->lx = 30;
   turn.count = 5;
   turn.ak = 0;
-  agent.decide->state = 6;
+  agent.decide->decideState = 6;
   kick.stableState = 5;
   tab.count = 5;
   actions.ChangeAction(standUp.back());
@@ -701,7 +707,7 @@ TEST_F(ActionsTest, EveryCycleOfAStandUpResetsAllMotionState) {
   EXPECT_EQ(walk._forWalk->lx, 0);
   EXPECT_EQ(turn.count, 0);
   EXPECT_EQ(turn.ak, 1);
-  EXPECT_NE(agent.decide->state, 6);
+  EXPECT_NE(agent.decide->decideState, 6);
   EXPECT_EQ(kick.stableState, 5);  // kick and turn around the ball are no part of it
   EXPECT_EQ(tab.count, 5);
 }
@@ -894,7 +900,7 @@ TEST_F(ReissueTest, AReissuedDiveEndsAsSoonAsItLies) {
 TEST_F(ReissueTest, Kick) {
   kick.unstable(kRight);
   kick.stableState = 6;
-  body.place({TestBody::Limb::kLeg, kRight, 4}, -132);
+  body.place({::TestBody::Limb::kLeg, kRight, 4}, -132);
   goOn(AT_UNSTABLE_KICK);
   EXPECT_EQ(kick.stableState, 7);
 }
@@ -907,7 +913,7 @@ TEST_F(ReissueTest, AKickOfAnotherTypeIsNotReissued) {
   given(AT_UNSTABLE_KICK, false, false);
   body.markCommands();
   EXPECT_FALSE(actions.ChangeAction(&kick));
-  for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   EXPECT_TRUE(actions.preAction);
   EXPECT_EQ(actions.NowAction.actionType, AT_UNSTABLE_KICK);
   actions.ChangeAction(&kick);
@@ -935,7 +941,7 @@ TEST_F(ReissueTest, ATypeThatNamesNoActionRunsNothing) {
     given(type, false, false);
     body.markCommands();
     EXPECT_EQ(actions.decideChangeAction(), type != AT_NONE);
-    for (const auto& hinge : TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
     EXPECT_EQ(actions.NowAction.actionType, type);
   }
 }
@@ -1081,7 +1087,8 @@ TEST_F(ActionsTest, StopActionStopsEverythingAtOnce) {
 TEST_F(ActionsTest, ResetAllVarsResetsTheTacticalStatesToo) {
   agent.goToBall->GTBallState = agent.goToBall->state = agent.goToBall->st = 4;
   agent.goToBall->GTBstate = 4;
-  agent.goToKick->GTKstate = 4;
+  agent.goToPoint->stateFineApproach = 4;
+  agent.goToGoal->GTGstate = 4;
   standUp.standUpBState = 3;
   tab.count = 3;
   agent.resetAllVars();
@@ -1089,7 +1096,8 @@ TEST_F(ActionsTest, ResetAllVarsResetsTheTacticalStatesToo) {
   EXPECT_EQ(agent.goToBall->state, 0);
   EXPECT_EQ(agent.goToBall->st, 0);
   EXPECT_EQ(agent.goToBall->GTBstate, 1);
-  EXPECT_NE(agent.goToKick->GTKstate, 4);
+  EXPECT_EQ(agent.goToPoint->stateFineApproach, 1);
+  EXPECT_EQ(agent.goToGoal->GTGstate, 1);
   EXPECT_EQ(standUp.standUpBState, 3);
   EXPECT_EQ(tab.count, 3);
 }

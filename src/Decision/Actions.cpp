@@ -248,6 +248,9 @@ bool Actions::decideChangeAction() {
   Dive* const dive = agent->dive;
   const ActionType running = NowAction.actionType;
   switch (running) {
+    case AT_NONE:
+      // Names no action, although it is the type of the actions that nobody has asked for yet.
+      return false;
     case AT_FORWALK:
       return ChangeAction(
           walk->forWalk(walk->preForGain, walk->prespeedF, walk->preSide, walk->preStart));
@@ -287,7 +290,7 @@ bool Actions::decideChangeAction() {
   if (running == agent->kick->type) return ChangeAction(agent->kick);
   if (running == agent->turnAroundBall->type) return ChangeAction(agent->turnAroundBall);
   if (running == agent->standUp->type) return ChangeAction(agent->standUp);
-  return running != AT_NONE;
+  return true;
 }
 
 bool Actions::endStep() {

@@ -200,7 +200,12 @@ TEST_F(KickTest, SingleJointFrames) {
     checkUnstable(6, side, {legCommand(4, side, -132, 30, 2)}, 7);
     checkUnstable(8, side, {legCommand(3, !side, 30, 90, 2)}, 9);
     checkUnstable(11, side, {legCommand(3, !side, 40, 10, 2)}, 12);
-    checkUnstable(14, side, {}, 15);
+
+    kick.stableState = 14;
+    body.markCommands();
+    EXPECT_FALSE(kick.unstable());
+    EXPECT_EQ(kick.stableState, 15);
+    for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   }
 }
 
@@ -303,6 +308,7 @@ TEST_F(KickTest, TheKickInPlayGoesByTheRobotType) {
   for (int type = 0; type <= 4; ++type) {
     setType(type);
     kick.resetVars();
+    kick.torso = Vector(0, 0, 0);
     kick.execute(CLOSE_X, CLOSE_Y);
     // unstable leaves its first frame at once; the first frame of unstable1 is a pose.
     EXPECT_EQ(kick.stableState, type == 2 ? 0 : 100) << type;
@@ -514,15 +520,22 @@ TEST_F(KickTest, StepAsideFollowsItsTable) {
 TEST_F(KickTest, StepAsideSpreadsTheLegOverItsPoseAndStaysThere) {
   kick.side = true;
   kick.gtside = 8;
-  for (int cycle = 0; cycle < 400; ++cycle) {
-    EXPECT_FALSE(kick.gotoside());
-    EXPECT_FLOAT_EQ(body.leg(kRight, 2).preValue, -45);
-    EXPECT_FLOAT_EQ(body.leg(kRight, 6).preValue, 45);
-    body.nextCycle();
-  }
-  // The pose asks the same two joints for other angles, more than both tolerances away.
-  EXPECT_EQ(kick.gtside, 8);
+  // The pose comes first, and the spread overrides its joints 2 and 6 in the same cycle.
+  EXPECT_FALSE(kick.gotoside());
+  EXPECT_FLOAT_EQ(body.leg(kRight, 2).preValue, -45);
+  EXPECT_FLOAT_EQ(body.leg(kRight, 6).preValue, 45);
+  EXPECT_EQ(body.leg(kRight, 2).Angle, -6);
+  EXPECT_EQ(kick.torso, Vector(85, 80, -25));
   EXPECT_EQ(kick.ankle[kRight], Vector(180, 0, 25));
+  EXPECT_EQ(kick.ankle[kLeft], Vector(100, 0, 0));
+
+  // The pose asks the same two joints for other angles, more than both tolerances away.
+  for (int cycle = 0; cycle < 400; ++cycle) {
+    body.nextCycle();
+    EXPECT_FALSE(kick.gotoside());
+  }
+  EXPECT_EQ(kick.gtside, 8);
+  EXPECT_NEAR(body.angle({::TestBody::Limb::kLeg, kRight, 2}), -45, 3);
 }
 
 TEST_F(KickTest, SideKickFollowsItsTable) {

@@ -40,15 +40,12 @@ TEST_F(SeeBallTest, SeenIsWithinTwelveHundredths) {
 }
 
 TEST_F(SeeBallTest, SeenSubtractsInSinglePrecision) {
-  // 0.12 apart as printed; in single precision the difference of these two is just above 0.12, at
-  // the other pair just below it.
-  body.world->gameTime = 10.12f;
-  body.world->ball->setLastTimeSeen(10.0f);
-  EXPECT_EQ(seeBall.seen(), static_cast<double>(10.12f - 10.0f) < 0.12);
-  body.world->gameTime = 600.12f;
-  body.world->ball->setLastTimeSeen(600.0f);
-  EXPECT_EQ(seeBall.seen(), static_cast<double>(600.12f - 600.0f) < 0.12);
-  EXPECT_NE(10.12f - 10.0f < 0.12, 600.12f - 600.0f < 0.12);
+  // The exact difference of these two is above 0.12; in single precision it rounds to below it.
+  const float now = 0.121004f, last = 0.00100400008f;
+  ASSERT_GT(static_cast<double>(now) - static_cast<double>(last), 0.12);
+  body.world->gameTime = now;
+  body.world->ball->setLastTimeSeen(last);
+  EXPECT_TRUE(seeBall.seen());
 }
 
 TEST_F(SeeBallTest, SweepLevelsTheTiltThenPansToBothEnds) {

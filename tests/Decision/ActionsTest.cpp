@@ -94,6 +94,9 @@ struct Request {
 
 class RequestTest : public ActionsTest {
  protected:
+  // Away from the pitch centre, to which the parameters of a turn are reset.
+  void SetUp() override { body.stand(Vector(1, -2, 0), 0); }
+
   std::vector<Request> requests() {
     const Vector far(5, 5, 0);
     return {
@@ -103,8 +106,7 @@ class RequestTest : public ActionsTest {
            turn.count = 9;
            turn.angle = -1;
          },
-         [this] { return turn.count == 0; },
-         [this] { return turn.angle != -1 && turn.angle != 0; }},
+         [this] { return turn.count == 0; }, [this] { return turn.angle > 0; }},
         {"kick", AT_UNSTABLE_KICK, false,
          [this] { return actions.ChangeAction(kick.unstable(kRight)); },
          [this] {
@@ -716,6 +718,8 @@ TEST_F(ActionsTest, AChangedStandUpRestartsButTheFrontSequenceResumes) {
   given(AT_STANDUP_FRONT, false, false);
   standUp.front();
   standUp.standUpFState = 3;
+  standUp.standUpBState = 4;
+  body.placeAll(10);
   actions.ChangeAction(standUp.back());
   EXPECT_EQ(standUp.standUpFState, 3);
   EXPECT_EQ(standUp.standUpBState, 0);
@@ -936,7 +940,7 @@ TEST_F(ReissueTest, StandUp) {
 }
 
 TEST_F(ReissueTest, ATypeThatNamesNoActionRunsNothing) {
-  standUp.back();  // its type is set: AT_NONE names nothing
+  // AT_NONE names none either, although it is the type of actions that nobody has asked for yet.
   for (ActionType type : {AT_NONE, AT_ALL, AT_GO_TO_POINT, AT_WALK, AT_STABLE_KICK, AT_ENDSTEP}) {
     given(type, false, false);
     body.markCommands();
@@ -1058,6 +1062,7 @@ TEST_F(ActionsTest, AnOmniGaitRestartsAfterItsEndStep) {
 TEST_F(ActionsTest, StopActionStopsEverythingAtOnce) {
   walkForwardMidStep();
   given(AT_FORWALK, false, true);
+  actions.at = AT_FORWALK;
   kick.stableState = 5;
   dive.diveState = 2;
   turn.count = 5;

@@ -8,7 +8,8 @@
 
 // Checks one frame of a key-frame sequence against the commands that it must send.
 
-// One joint command: target and tolerance in degrees, gain in percent per cycle.
+// One joint command: target and tolerance in degrees, gain in percent per cycle. A target that is
+// not a number, as a pose out of reach has them, is one of no motion that has arrived.
 struct JointCommand {
   TestBody::Hinge hinge;
   float value;

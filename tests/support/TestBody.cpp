@@ -185,6 +185,7 @@ void TestBody::place(const Hinge& hinge, float degrees) {
   c.currentAngle = degrees;
   c.lastAngle = 0;
   c.Angle = 0;
+  c.count = 0;
 }
 
 void TestBody::placeAll(float degrees) {

@@ -49,7 +49,7 @@ class TestBody {
   // The angle at which a hinge stands, degrees.
   float angle(const Hinge& hinge) const;
 
-  // Puts a hinge at rest at `degrees`: sensed, with nothing under way.
+  // Puts a hinge at rest at `degrees`: sensed, with nothing under way, and no target repeated yet.
   void place(const Hinge& hinge, float degrees);
   void placeAll(float degrees);
 

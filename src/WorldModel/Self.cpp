@@ -49,7 +49,9 @@ Self::Self() {
 
   playerNumber = config["Agent"]["Public"]["UniformNumber"].asInt();
   playerPost = playerNumber;
-  agentPost = postFromConfiguration(config["Agent"]["AgentPost"]["P"][playerNumber - 1].asInt());
+  const ConfigValue& posts = config["Agent"]["AgentPost"]["P"];
+  assert(playerNumber >= 1 && playerNumber <= posts.size());
+  agentPost = postFromConfiguration(posts[playerNumber - 1].asInt());
 }
 
 Joint* Self::getHandJoint(int jointNo, int jointSide) {
@@ -88,7 +90,9 @@ bool Self::calculateGyroRotation() {
   if (!startHeadingChecked) {
     // The start heading plays no part in the orientation, which starts as facing +x whatever the
     // beam says; but a player without a readable one must not start.
-    config["Formation"]["Beam"]["p" + std::to_string(playerNumber)][2].asInt();
+    const ConfigValue& start = config["Formation"]["Beam"]["p" + std::to_string(playerNumber)];
+    assert(start.size() > 2);
+    start[2].asInt();
     startHeadingChecked = true;
   }
 

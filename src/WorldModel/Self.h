@@ -20,7 +20,7 @@
 class Self : public Player {
  public:
   // Names the 22 joints, sets every rotation to identity, reads number and role.
-  // REQUIRES: the configuration is loaded.
+  // REQUIRES: the configuration is loaded and lists a role for the number (asserted).
   Self();
 
   // Joints count from 1 within a limb: 1 to 4 of an arm, 1 to 7 of a leg, 1 to 2 of the head.

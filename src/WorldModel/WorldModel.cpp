@@ -1,5 +1,6 @@
 #include "WorldModel/WorldModel.h"
 
+#include <cassert>
 #include <cmath>
 #include <string>
 #include <utility>
@@ -72,6 +73,7 @@ void WorldModel::setFlags() {
       for (int no = 0; no <= 1; ++no) {
         const std::string key = "f" + std::to_string(a) + std::to_string(b) + std::to_string(no);
         const ConfigValue& position = config["WorldModel"]["FlagPosition"][key];
+        assert(position.size() > 2);
         float x = position[0].asFloat();
         float y = position[1].asFloat();
         const float z = position[2].asFloat();

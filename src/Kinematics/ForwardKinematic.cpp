@@ -61,15 +61,16 @@ void move(Transform& x, const Offset& offset) {
   x.trans(offset.x, offset.y, offset.z);
 }
 
-// Takes the rotation away from the left of point, which leaves the translation column expressed in
-// the torso frame. This rests on the inverse of Matrix dropping the translation.
+// The chains below build in x the pose of the current link as Matrix's operations, which multiply
+// from the left, make it: the rotation block turns torso directions into the link's, the
+// translation column is the position of the link's origin in the link's directions. Taking the
+// rotation away from the left, with the inverse that drops the translation, leaves the position in
+// the torso frame.
 void intoPositionForm(Transform& point) {
   point = point.inverseMatrix() * point;
 }
 
-// The chains below hold in x the map from torso coordinates into those of the current link, as
-// Matrix's operations multiply from the left. capture makes field the position of the link's
-// origin, or of a point of the link, in the torso frame. x stays as it was.
+// Makes field the position of the link's origin, or of a point of the link. x stays as it was.
 void capture(Transform& field, const Transform& x) {
   field = x;
   intoPositionForm(field);

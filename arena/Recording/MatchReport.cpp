@@ -23,8 +23,9 @@ constexpr const char* kSideNames[] = {"left", "right", "none"};
 constexpr const char* kFoulNames[] = {"crowding",  "touching", "illegal defence", "illegal attack",
                                       "incapable", "kick-off", "charging",        "self-collision"};
 
-double rounded(double value, double unit) {
-  return std::round(value / unit) * unit;
+// `steps`: of the rounding, to 1.
+double rounded(double value, double steps) {
+  return std::round(value * steps) / steps;
 }
 
 }  // namespace

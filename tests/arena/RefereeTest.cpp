@@ -1,0 +1,1001 @@
+// Clock, halves, modes and their transitions, on scripted robots.
+#include "Referee/Referee.h"
+
+#include <gtest/gtest.h>
+
+#include "FakeWorld.h"
+
+namespace arena {
+namespace {
+
+class RefereeTest : public testing::Test, public RefereeFixture {
+ protected:
+  RefereeTest() { addPlayers(); }
+
+  void expectBall(double x, double y) {
+    EXPECT_NEAR(world.ballView.position.x(), x, 1e-9);
+    EXPECT_NEAR(world.ballView.position.y(), y, 1e-9);
+  }
+  // Lets `toucher` touch a ball in the field and then puts the ball somewhere.
+  void kickTo(RobotHandle toucher, double x, double y) {
+    world.setBallAt(x > 14 ? 14 : x < -14 ? -14 : x, y > 9 ? 9 : y < -9 ? -9 : y);
+    touch(toucher);
+    world.setBallAt(x, y);
+    step();
+  }
+};
+
+// ------------------------------------------------------------------------------ clock and halves
+
+TEST_F(RefereeTest, ClockStandsBeforeKickOffAndAfterTheGame) {
+  run(1);
+  EXPECT_EQ(referee.game().time, 0.0f);
+  start(PlayMode::GameOver);
+  run(1);
+  EXPECT_EQ(referee.game().time, 0.0f);
+}
+
+TEST_F(RefereeTest, ClockRunsInEveryOtherModeAsASumOfSinglePrecision) {
+  for (std::size_t i = 0; i < kPlayModeCount; ++i) {
+    const auto mode = static_cast<PlayMode>(i);
+    if (stopsClock(mode)) continue;
+    referee.setTime(0);
+    start(mode);
+    step();
+    EXPECT_EQ(referee.game().time, 0.02f) << nameOf(mode);
+  }
+  referee.setTime(0);
+  start(PlayMode::OffsideLeft);
+  float sum = 0;
+  for (int i = 0; i < 5000; ++i) sum += 0.02f;
+  step(5000);
+  EXPECT_EQ(referee.game().time, sum);
+  EXPECT_LT(referee.game().time, 100.0f);
+}
+
+TEST_F(RefereeTest, FirstHalfEndsInBeforeKickOffAndTheClockGoesOn) {
+  start(PlayMode::CornerKickLeft);
+  referee.setTime(299.99f);
+  step();
+  EXPECT_EQ(mode(), PlayMode::BeforeKickOff);
+  EXPECT_EQ(referee.game().half, 2);
+  EXPECT_GE(referee.game().time, 300.0f);
+  start(PlayMode::PlayOn);
+  step();
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  EXPECT_GT(referee.game().time, 300.0f);
+}
+
+TEST_F(RefereeTest, SecondHalfEndsTheGame) {
+  referee.setTime(300);
+  step();
+  referee.setTime(599.9f);
+  start(PlayMode::GoalLeft);
+  step();
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+  referee.setTime(599.99f);
+  step();
+  EXPECT_EQ(mode(), PlayMode::GameOver);
+  step(10);
+  EXPECT_EQ(mode(), PlayMode::GameOver);
+}
+
+TEST(RefereeOptionsTest, HalfTimeCanBeChosen) {
+  RefereeFixture match({.halfTime = 10.0f});
+  match.addPlayers();
+  match.start(PlayMode::OffsideLeft);
+  match.run(9.9);
+  EXPECT_EQ(match.referee.game().half, 1);
+  match.run(0.2);
+  EXPECT_EQ(match.referee.game().half, 2);
+}
+
+// ------------------------------------------------------------------------------ before kick-off
+
+TEST_F(RefereeTest, BeforeKickOffHoldsTheBallAtTheMiddle) {
+  world.setBallAt(3, 2, 1);
+  world.ballView.velocity = {1, 2, 3};
+  step();
+  expectBall(0, 0);
+  EXPECT_NEAR(world.ballView.position.z(), 0.042, 1e-12);
+  EXPECT_TRUE(world.ballView.velocity.isZero());
+}
+
+TEST_F(RefereeTest, BeforeKickOffMovesPlayersIntoTheirHalf) {
+  world.put(left2, 1, 6);
+  world.put(right2, 0, 5);
+  world.addCollider(left3, Body::RightLowerArm, {0.1, 0.3, 0}, {0.03, 0.03, 0.03});
+  world.put(left3, -0.29, -6);  // the forearm's centre is across the line
+  step();
+  EXPECT_NEAR(world.place(left2).x(), -2.5, 1e-9);
+  EXPECT_NEAR(world.place(left2).y(), 6, 1e-9);
+  EXPECT_NEAR(world.place(right2).x(), 2.5, 1e-9);
+  EXPECT_NEAR(world.place(left3).x(), -2.5, 1e-9);
+}
+
+TEST_F(RefereeTest, BeforeKickOffEnforcesNothingWithoutAgents) {
+  world.agents = 0;
+  world.setBallAt(3, 2);
+  world.put(left2, 1, 6);
+  step();
+  expectBall(3, 2);
+  EXPECT_TRUE(world.moves.empty());
+}
+
+TEST_F(RefereeTest, NobodyKicksOffByHimself) {
+  run(60);
+  EXPECT_EQ(mode(), PlayMode::BeforeKickOff);
+}
+
+TEST(RefereeOptionsTest, AutomaticKickOffComesAfterThirtySeconds) {
+  RefereeFixture match({.autoKickOff = true});
+  match.world.agents = 0;
+  match.run(40);
+  match.addPlayers();
+  match.run(29.9);
+  EXPECT_EQ(match.mode(), PlayMode::BeforeKickOff);
+  match.run(0.2);
+  EXPECT_EQ(match.mode(), PlayMode::KickOffLeft);
+}
+
+TEST_F(RefereeTest, UnnamedKickOffGoesLeftFirstAndToTheOtherSideInTheSecondHalf) {
+  referee.kickOff(Side::None);
+  EXPECT_EQ(mode(), PlayMode::KickOffLeft);
+  referee.setTime(300);
+  step();
+  EXPECT_EQ(mode(), PlayMode::BeforeKickOff);
+  referee.kickOff(Side::None);
+  EXPECT_EQ(mode(), PlayMode::KickOffRight);
+}
+
+TEST_F(RefereeTest, NamedKickOffIsNotRememberedForTheSecondHalf) {
+  referee.kickOff(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::KickOffRight);
+  referee.setTime(300);
+  step();
+  referee.kickOff(Side::None);
+  EXPECT_EQ(mode(), PlayMode::KickOffLeft);
+}
+
+TEST(RefereeOptionsTest, CoinTossDrawsBothSides) {
+  int left = 0;
+  for (std::uint64_t seed = 0; seed < 100; ++seed) {
+    RefereeFixture match({.coinToss = true, .seed = seed});
+    match.referee.kickOff(Side::None);
+    left += match.mode() == PlayMode::KickOffLeft;
+  }
+  EXPECT_GT(left, 25);
+  EXPECT_LT(left, 75);
+}
+
+TEST_F(RefereeTest, BeamIsAllowedBeforeKickOffAndAfterGoals) {
+  for (std::size_t i = 0; i < kPlayModeCount; ++i) {
+    const auto mode = static_cast<PlayMode>(i);
+    start(mode);
+    const bool allowed = mode == PlayMode::BeforeKickOff || mode == PlayMode::GoalLeft ||
+                         mode == PlayMode::GoalRight;
+    EXPECT_EQ(referee.beamAllowed(), allowed) << nameOf(mode);
+  }
+}
+
+// ------------------------------------------------------------------------------ kick-off
+
+TEST_F(RefereeTest, KickOffKeepsTheOtherTeamInItsHalfAndOutOfTheCircle) {
+  world.put(right2, 1.5, 1);
+  const RobotHandle right3 = world.add(Side::Right, 3, -1, 5);
+  start(PlayMode::KickOffLeft);
+  step();
+  EXPECT_NEAR(world.place(right2).x(), 2.5, 1e-9);
+  EXPECT_NEAR(world.place(right2).y(), 1, 1e-9);
+  EXPECT_NEAR(world.place(right3).x(), 2.5, 1e-9);
+}
+
+TEST_F(RefereeTest, KickOffLetsTheKickingTeamIntoTheCircle) {
+  world.put(left2, 0.5, 0.5);
+  world.put(left3, 2.5, -3);
+  start(PlayMode::KickOffLeft);
+  step();
+  EXPECT_NEAR(world.place(left2).x(), 0.5, 1e-9);
+  EXPECT_NEAR(world.place(left3).x(), -2.5, 1e-9);
+}
+
+TEST_F(RefereeTest, KickOffIsTakenByTheFirstTouchOfAnybody) {
+  for (const RobotHandle robot : {left2, right2}) {
+    start(PlayMode::KickOffLeft);
+    step(3);
+    EXPECT_EQ(mode(), PlayMode::KickOffLeft);
+    touch(robot);
+    EXPECT_EQ(mode(), PlayMode::PlayOn);
+    start(PlayMode::OffsideLeft);
+    step();
+  }
+}
+
+TEST_F(RefereeTest, TouchesBeforeTheKickOffDoNotTakeIt) {
+  start(PlayMode::OffsideLeft);
+  touch(left2);
+  start(PlayMode::KickOffLeft);
+  step(5);
+  EXPECT_EQ(mode(), PlayMode::KickOffLeft);
+}
+
+TEST_F(RefereeTest, UntouchedKickOffIsDroppedAfterFifteenSeconds) {
+  start(PlayMode::KickOffLeft);
+  run(14.9);
+  EXPECT_EQ(mode(), PlayMode::KickOffLeft);
+  world.put(left2, 0.5, 0.5);
+  run(0.2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  EXPECT_NEAR(world.place(left2).x(), -2.5, 1e-9);  // both teams are cleared
+}
+
+TEST_F(RefereeTest, KickOffTeamCannotScoreFromTheCircle) {
+  start(PlayMode::KickOffLeft);
+  touch(left2);
+  run(0.5);
+  world.setBallAt(1.9, 0);
+  touch(left3);  // another own player, but not yet 2 m from the middle
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalKickRight);
+  EXPECT_EQ(referee.game().score[0], 0);
+}
+
+TEST_F(RefereeTest, KickOffTeamMayScoreAfterATouchFarFromTheMiddle) {
+  start(PlayMode::KickOffLeft);
+  touch(left2);
+  run(0.5);
+  world.setBallAt(2.1, 0);
+  touch(left3);
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+}
+
+TEST_F(RefereeTest, KickOffTeamMayScoreAfterAnOpponentsTouch) {
+  start(PlayMode::KickOffLeft);
+  touch(left2);
+  run(0.5);
+  touch(right2);
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+}
+
+TEST_F(RefereeTest, TheOtherTeamMayScoreFromTheKickOff) {
+  start(PlayMode::KickOffLeft);
+  touch(left2);
+  run(0.5);
+  touch(right2);
+  hitGoalOf(Side::Left);
+  EXPECT_EQ(mode(), PlayMode::GoalRight);
+}
+
+TEST_F(RefereeTest, KickOffTakerMustNotTouchTwice) {
+  start(PlayMode::KickOffLeft);
+  touch(left2);
+  run(0.5);
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::FreeKickRight);
+}
+
+TEST(RefereeFewAgentsTest, TwoAgentsHaveNoKickOffRestrictions) {
+  RefereeFixture match;
+  const RobotHandle left = match.world.add(Side::Left, 2, -8, 6);
+  match.world.add(Side::Right, 2, 8, 6);
+  match.start(PlayMode::KickOffLeft);
+  match.touch(left);
+  match.run(1);
+  match.touch(left);
+  EXPECT_EQ(match.mode(), PlayMode::PlayOn);
+  match.hitGoalOf(Side::Right);
+  EXPECT_EQ(match.mode(), PlayMode::GoalLeft);
+}
+
+// ------------------------------------------------------------------------------ ball out
+
+TEST_F(RefereeTest, BallIsOutOnlyWhenAllOfItIsAcross) {
+  start(PlayMode::PlayOn);
+  kickTo(left2, 3, 10.042);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  kickTo(left2, 3, 10.044);
+  EXPECT_EQ(mode(), PlayMode::KickInRight);
+  start(PlayMode::PlayOn);
+  kickTo(left2, -15.042, 4);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  kickTo(left2, -15.044, 4);
+  EXPECT_EQ(mode(), PlayMode::CornerKickRight);
+}
+
+TEST_F(RefereeTest, OverTheSideLineItIsAKickInForTheOpponents) {
+  start(PlayMode::PlayOn);
+  kickTo(right2, 3, -10.1);
+  EXPECT_EQ(mode(), PlayMode::KickInLeft);
+}
+
+TEST_F(RefereeTest, OverTheGoalLinesItIsAGoalKickOrACorner) {
+  struct Case {
+    RobotHandle toucher;
+    double x;
+    PlayMode mode;
+  };
+  const Case cases[] = {{left2, 15.1, PlayMode::GoalKickRight},
+                        {left2, -15.1, PlayMode::CornerKickRight},
+                        {right2, -15.1, PlayMode::GoalKickLeft},
+                        {right2, 15.1, PlayMode::CornerKickLeft}};
+  for (const Case& c : cases) {
+    start(PlayMode::PlayOn);
+    kickTo(c.toucher, c.x, 5);
+    EXPECT_EQ(mode(), c.mode);
+  }
+}
+
+TEST_F(RefereeTest, OverTheCornerTheGoalLineDecides) {
+  start(PlayMode::PlayOn);
+  kickTo(left2, 15.01, 10.1);
+  EXPECT_EQ(mode(), PlayMode::GoalKickRight);
+}
+
+TEST_F(RefereeTest, WithoutATouchNothingHappensToABallThatGoesOut) {
+  start(PlayMode::PlayOn);
+  world.setBallAt(3, 10.5);
+  run(1);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(RefereeTest, RobotsWithoutTeamTouchNothing) {
+  const RobotHandle stranger = world.add(Side::None, 0, 0, 3);
+  start(PlayMode::PlayOn);
+  touch(stranger);
+  EXPECT_EQ(referee.lastTouch().robot, kNoRobot);
+}
+
+// ------------------------------------------------------------------------------ goals
+
+TEST_F(RefereeTest, BallAtTheSensorIsAGoal) {
+  start(PlayMode::PlayOn);
+  touch(left2);
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+  EXPECT_EQ(referee.game().score[0], 1);
+  EXPECT_EQ(referee.game().score[1], 0);
+  start(PlayMode::PlayOn);
+  hitGoalOf(Side::Left);
+  EXPECT_EQ(mode(), PlayMode::GoalRight);
+  EXPECT_EQ(referee.game().score[1], 1);
+}
+
+TEST_F(RefereeTest, GoalEventNamesTheScorer) {
+  start(PlayMode::PlayOn);
+  touch(left3);
+  world.setBallAt(15.01, 0);
+  world.sensor[1] = true;
+  referee.step();
+  ASSERT_EQ(referee.goals().size(), 1u);
+  EXPECT_EQ(referee.goals()[0].side, Side::Left);
+  EXPECT_EQ(referee.goals()[0].scorerSide, Side::Left);
+  EXPECT_EQ(referee.goals()[0].scorer, 3);
+  EXPECT_EQ(referee.goals()[0].time, referee.game().time);
+  world.clearContacts();
+  referee.step();
+  EXPECT_TRUE(referee.goals().empty());
+}
+
+TEST_F(RefereeTest, FastBallsAreFollowedBackToTheLine) {
+  start(PlayMode::PlayOn);
+  touch(left2);
+  world.setBallAt(14.9, 0.5);
+  step();
+  world.setBallAt(15.2, 0.9, 0.5);
+  world.ballView.velocity = {10, 5, 0};
+  step();
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+}
+
+TEST_F(RefereeTest, FastBallsBesideOrAboveTheMouthAreNoGoal) {
+  struct Case {
+    double y, z;
+    Eigen::Vector3d velocity;
+  };
+  const Case cases[] = {{0.9, 0.5, {10, -10, 0}},  // crossed the line at y 1.1
+                        {0.9, 0.75, {10, 0, -5}},  // crossed it at z 0.85
+                        {0.9, 0.5, {-1, 0, 0}}};   // comes from behind
+  for (const Case& c : cases) {
+    start(PlayMode::PlayOn);
+    world.setBallAt(14.9, 0.5);
+    touch(left2);
+    world.setBallAt(15.2, c.y, c.z);
+    world.ballView.velocity = c.velocity;
+    step();
+    EXPECT_EQ(mode(), PlayMode::GoalKickRight);
+  }
+}
+
+TEST_F(RefereeTest, BallLongBehindTheLineIsNoGoal) {
+  start(PlayMode::PlayOn);
+  world.setBallAt(15.2, 0.5);
+  run(1.1);
+  world.ballView.velocity = {5, 0, 0};
+  step();
+  EXPECT_EQ(mode(), PlayMode::PlayOn);  // nobody has touched it
+}
+
+TEST_F(RefereeTest, AfterAGoalTheBallIsLeftAloneForThreeSeconds) {
+  start(PlayMode::PlayOn);
+  touch(left2);
+  hitGoalOf(Side::Right);
+  run(2.9);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+  expectBall(15.01, 0);
+  run(0.2);
+  EXPECT_EQ(mode(), PlayMode::KickOffRight);
+  expectBall(0, 0);
+}
+
+// Times as in a recording of the league's server: mode entered at 20.00, kick-off at 23.00.
+TEST_F(RefereeTest, GoalPauseEndsInTheCycleOfTheLeaguesServer) {
+  start(PlayMode::OffsideLeft);
+  step(1000);
+  start(PlayMode::GoalRight);
+  step(149);
+  EXPECT_EQ(mode(), PlayMode::GoalRight);
+  step();
+  EXPECT_EQ(mode(), PlayMode::KickOffLeft);
+}
+
+TEST_F(RefereeTest, AfterAGoalPlayersAreOrderedAsForTheKickOff) {
+  world.put(right2, -1.65, -0.95);
+  world.put(left2, 1.7, 0.17);
+  const RobotHandle right3 = world.add(Side::Right, 3, 1.2, 0.5);
+  start(PlayMode::GoalRight);
+  step();
+  EXPECT_NEAR(world.place(right2).x(), 2.5, 1e-9);
+  EXPECT_NEAR(world.place(right2).y(), -0.95, 1e-9);
+  EXPECT_NEAR(world.place(left2).x(), 1.7, 1e-9);  // kicks off next, wholly inside the circle
+  EXPECT_NEAR(world.place(right3).x(), 2.5, 1e-9);
+}
+
+TEST_F(RefereeTest, TheTrainersGoalModeDoesNotCount) {
+  start(PlayMode::GoalRight);
+  step();
+  EXPECT_EQ(referee.game().score[1], 0);
+}
+
+// ------------------------------------------------------------------------------ set plays
+
+TEST_F(RefereeTest, SetPlaysLetTheBallRollForOneSecond) {
+  start(PlayMode::PlayOn);
+  world.put(left2, 3.2, 9.9);
+  kickTo(left3, 3, 10.1);
+  ASSERT_EQ(mode(), PlayMode::KickInRight);
+  world.setBallAt(4, 11);
+  world.moves.clear();
+  run(0.9);
+  expectBall(4, 11);
+  EXPECT_TRUE(world.moves.empty());
+  run(0.2);
+  expectBall(3, 9.958);
+  EXPECT_TRUE(world.ballView.velocity.isZero());
+  EXPECT_NEAR(world.place(left2).x(), 0.5, 1e-9);
+}
+
+// As in the recordings: entered at 12.00, placed in the cycle of 13.00.
+TEST_F(RefereeTest, BallIsPlacedInTheCycleOfTheLeaguesServer) {
+  start(PlayMode::OffsideLeft);
+  world.setBallAt(2.4177, -1.6707);
+  step(600);
+  start(PlayMode::KickInLeft);
+  world.setBallAt(2.44, -1.70);
+  step(49);
+  expectBall(2.44, -1.70);
+  step();
+  expectBall(2.4177, -1.6707);
+}
+
+// The league's server does not put the ball to a line, a corner or a goal area on the trainer's
+// word, but where it was when the mode was set.
+TEST_F(RefereeTest, SetPlaysOfTheTrainerAreTakenWhereTheBallIs) {
+  for (const PlayMode mode : {PlayMode::KickInLeft, PlayMode::CornerKickLeft,
+                              PlayMode::GoalKickLeft, PlayMode::FreeKickLeft}) {
+    start(PlayMode::OffsideLeft);
+    world.setBallAt(2.4, -1.6);
+    step();
+    start(mode);
+    world.setBallAt(5, 5);
+    run(1.1);
+    expectBall(2.4, -1.6);
+  }
+}
+
+TEST_F(RefereeTest, BallStaysPinnedUntilTheKickIsTaken) {
+  start(PlayMode::PlayOn);
+  kickTo(left2, 3, 10.1);
+  run(5);
+  world.setBallAt(6, 6);
+  step();
+  expectBall(3, 9.958);
+}
+
+TEST_F(RefereeTest, PlacesOfTheSetPlays) {
+  struct Case {
+    RobotHandle toucher;
+    double x, y;
+    double placeX, placeY;
+  };
+  const Case cases[] = {{left2, 3, 10.1, 3, 9.958},        {left2, -4, -10.1, -4, -9.958},
+                        {right2, 15.1, 4, 14.958, 5.483},  {right2, 15.1, -4, 14.958, -5.483},
+                        {left2, -15.1, 4, -14.958, 5.483}, {left2, 15.1, 4, 14, 0},
+                        {right2, -15.1, -4, -14, 0}};
+  for (const Case& c : cases) {
+    start(PlayMode::PlayOn);
+    kickTo(c.toucher, c.x, c.y);
+    run(1.1);
+    expectBall(c.placeX, c.placeY);
+  }
+}
+
+TEST_F(RefereeTest, FreeKicksInAPenaltyAreaAreTakenAtItsOuterCorner) {
+  struct Case {
+    double x, y, placeX, placeY;
+  };
+  const Case cases[] = {{-14, 1, -13.2, 3}, {-14, -1, -13.2, -3}, {14.5, -2.9, 13.2, -3},
+                        {13.3, 0, 13.2, 3}, {13.1, 1, 13.1, 1},   {14, 3.1, 14, 3.1}};
+  for (const Case& c : cases)
+    for (const PlayMode mode : {PlayMode::FreeKickRight, PlayMode::DirectFreeKickLeft}) {
+      start(PlayMode::OffsideLeft);
+      world.setBallAt(c.x, c.y);
+      step();
+      start(mode);
+      run(1.1);
+      expectBall(c.placeX, c.placeY);
+    }
+}
+
+TEST_F(RefereeTest, OpponentsAreKeptTwoMetresAwayInEveryCycle) {
+  for (const PlayMode mode : {PlayMode::KickInLeft, PlayMode::CornerKickLeft,
+                              PlayMode::FreeKickLeft, PlayMode::DirectFreeKickLeft}) {
+    start(PlayMode::OffsideLeft);
+    world.setBallAt(0, 5);
+    step();
+    start(mode);
+    world.put(right2, 1, 5);
+    run(1.1);
+    EXPECT_NEAR(world.place(right2).x(), 2.5, 1e-9) << nameOf(mode);
+    world.put(right2, 1, 5);
+    step();
+    EXPECT_NEAR(world.place(right2).x(), 2.5, 1e-9) << nameOf(mode);
+  }
+}
+
+TEST_F(RefereeTest, KickersAreMovedOffTheBallOnce) {
+  start(PlayMode::OffsideLeft);
+  world.setBallAt(0, 5);
+  step();
+  start(PlayMode::KickInLeft);
+  world.put(left2, -0.3, 5);
+  run(1.1);
+  EXPECT_NEAR(world.place(left2).x(), -0.5, 1e-9);
+  world.put(left2, -0.3, 5);
+  run(1);
+  EXPECT_NEAR(world.place(left2).x(), -0.3, 1e-9);
+}
+
+TEST_F(RefereeTest, TouchesUpToThreeCentisecondsAfterThePauseDoNotCount) {
+  start(PlayMode::PlayOn);
+  kickTo(left2, 3, 10.1);
+  const float entered = referee.game().modeStart;
+  while (referee.game().time - entered < 1.01f) touch(right2);
+  EXPECT_EQ(mode(), PlayMode::KickInRight);
+  step();
+  EXPECT_EQ(mode(), PlayMode::KickInRight);
+  touch(right2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(RefereeTest, AnybodyMayTakeASetPlayAndTheBallKeepsItsSpeed) {
+  start(PlayMode::PlayOn);
+  kickTo(left2, 3, 10.1);
+  run(2);
+  world.ballView.velocity = {0, -3, 0};
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  EXPECT_EQ(world.ballView.velocity.y(), -3);
+}
+
+TEST_F(RefereeTest, SetPlaysTimeOutFifteenSecondsAfterTheModeChange) {
+  start(PlayMode::PlayOn);
+  kickTo(left2, 3, 10.1);
+  run(14.9);
+  EXPECT_EQ(mode(), PlayMode::KickInRight);
+  world.put(left2, 2, 9);
+  world.put(right2, 3.5, 9);
+  run(0.2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  expectBall(3, 9.958);
+  EXPECT_NEAR(world.place(left2).x(), 0.5, 1e-9);
+  EXPECT_NEAR(world.place(right2).x(), 5.5, 1e-9);
+}
+
+TEST_F(RefereeTest, GoalKickKeepsOpponentsOutOfTheArea) {
+  start(PlayMode::PlayOn);
+  kickTo(right2, -15.1, 5);
+  ASSERT_EQ(mode(), PlayMode::GoalKickLeft);
+  world.put(right2, -14, 2);
+  const RobotHandle nearBall = world.add(Side::Right, 3, -12.9, 0);
+  run(1.1);
+  EXPECT_NEAR(world.place(right2).x(), -10.7, 1e-9);
+  EXPECT_NEAR(world.place(nearBall).x(), -12.9, 1e-9);  // outside the area: may stay
+}
+
+TEST_F(RefereeTest, GoalKickEndsOnlyWhenTheBallLeavesTheArea) {
+  start(PlayMode::PlayOn);
+  kickTo(right2, -15.1, 5);
+  run(2);
+  touch(left2);
+  world.setBallAt(-13.5, 1);
+  touch(left2);
+  run(1);
+  touch(left3);
+  EXPECT_EQ(mode(), PlayMode::GoalKickLeft);
+  expectBall(-13.5, 1);  // no longer pinned
+  world.setBallAt(-13.5, 3.1);
+  step();
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  touch(left3);  // the last toucher is the taker, in the contact of the kick or later
+  run(0.5);
+  touch(left3);
+  EXPECT_EQ(mode(), PlayMode::FreeKickRight);
+}
+
+TEST_F(RefereeTest, GoalKickThatNobodyTakesEndsAtTheUpperCorner) {
+  start(PlayMode::PlayOn);
+  kickTo(left2, 15.1, -5);
+  run(15.1);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  expectBall(13.2, 3);
+}
+
+TEST_F(RefereeTest, DropBallKeepsItsPlaceWithinTheSideLines) {
+  start(PlayMode::PlayOn);
+  world.setBallAt(5, 11);
+  world.ballView.velocity = {2, 0, 0};
+  referee.dropBall();
+  expectBall(5, 10);
+  world.setBallAt(-13.5, -1);
+  start(PlayMode::FreeKickLeft);
+  referee.dropBall();
+  expectBall(-13.2, -3);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(RefereeTest, OffsideAndGameOverDoNothing) {
+  for (const PlayMode mode : {PlayMode::OffsideLeft, PlayMode::OffsideRight, PlayMode::GameOver}) {
+    world.setBallAt(3, 11);
+    start(mode);
+    world.put(right2, 3, 10);
+    touch(left2);
+    run(20);
+    EXPECT_EQ(this->mode(), mode);
+    expectBall(3, 11);
+  }
+  EXPECT_TRUE(world.moves.empty());
+}
+
+// ------------------------------------------------------------------------------ kick restrictions
+
+class KickTest : public RefereeTest {
+ protected:
+  // A kick-in for the left team, taken by left2.
+  void takeKickIn() {
+    start(PlayMode::PlayOn);
+    kickTo(right2, 3, 10.1);
+    run(2);
+    touch(left2);
+    ASSERT_EQ(mode(), PlayMode::PlayOn);
+  }
+  void takeByLeft2(PlayMode play) {
+    start(PlayMode::OffsideLeft);
+    world.setBallAt(0, 0);
+    step();
+    start(play);
+    run(2);
+    touch(left2);
+    ASSERT_EQ(mode(), PlayMode::PlayOn);
+  }
+};
+
+TEST_F(KickTest, ContactsWithinATenthOfASecondBelongToTheKick) {
+  takeKickIn();
+  for (int i = 0; i < 5; ++i) touch(left2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(KickTest, SecondTouchOfTheTakerGivesAFreeKick) {
+  for (const PlayMode play :
+       {PlayMode::KickInLeft, PlayMode::CornerKickLeft, PlayMode::GoalKickLeft,
+        PlayMode::FreeKickLeft, PlayMode::DirectFreeKickLeft}) {
+    takeByLeft2(play);
+    world.setBallAt(4, 4);
+    run(0.3);
+    touch(left2);
+    EXPECT_EQ(mode(), PlayMode::FreeKickRight) << nameOf(play);
+    run(1.1);
+    expectBall(4, 4);
+  }
+}
+
+TEST_F(KickTest, TouchOfAnotherPlayerFreesTheTaker) {
+  takeKickIn();
+  run(0.3);
+  touch(left3);
+  run(0.3);
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(KickTest, TwoPlayersAtOnceAreNoDoubleTouch) {
+  takeKickIn();
+  run(0.3);
+  touch(left2, right2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(KickTest, IndirectKicksMustNotGoStraightIntoTheGoal) {
+  for (const PlayMode play : {PlayMode::KickInLeft, PlayMode::FreeKickLeft}) {
+    takeByLeft2(play);
+    hitGoalOf(Side::Right);
+    EXPECT_EQ(mode(), PlayMode::GoalKickRight) << nameOf(play);
+  }
+  EXPECT_EQ(referee.game().score[0], 0);
+}
+
+TEST_F(KickTest, DirectKicksMay) {
+  for (const PlayMode play :
+       {PlayMode::CornerKickLeft, PlayMode::GoalKickLeft, PlayMode::DirectFreeKickLeft}) {
+    takeByLeft2(play);
+    hitGoalOf(Side::Right);
+    EXPECT_EQ(mode(), PlayMode::GoalLeft) << nameOf(play);
+  }
+}
+
+TEST_F(KickTest, AfterAnotherTouchAnIndirectKickCounts) {
+  takeByLeft2(PlayMode::KickInLeft);
+  run(0.3);
+  touch(right2);
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+}
+
+TEST_F(KickTest, OwnGoalStraightFromAnyOwnKickIsACorner) {
+  for (const PlayMode play :
+       {PlayMode::KickInLeft, PlayMode::CornerKickLeft, PlayMode::GoalKickLeft,
+        PlayMode::FreeKickLeft, PlayMode::DirectFreeKickLeft}) {
+    takeByLeft2(play);
+    hitGoalOf(Side::Left);
+    EXPECT_EQ(mode(), PlayMode::CornerKickRight) << nameOf(play);
+    run(1.1);
+    expectBall(-14.958, 5.483);
+  }
+  EXPECT_EQ(referee.game().score[1], 0);
+}
+
+TEST_F(KickTest, OwnGoalAfterAnotherTouchCounts) {
+  takeByLeft2(PlayMode::KickInLeft);
+  run(0.3);
+  touch(left3);
+  hitGoalOf(Side::Left);
+  EXPECT_EQ(mode(), PlayMode::GoalRight);
+}
+
+TEST_F(KickTest, WithTwoAgentsKicksMayGoStraightIntoTheGoalButNotBePlayedTwice) {
+  world.removeRobot(left3);
+  world.agents = 2;
+  takeByLeft2(PlayMode::KickInLeft);
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+  takeByLeft2(PlayMode::KickInLeft);
+  hitGoalOf(Side::Left);
+  EXPECT_EQ(mode(), PlayMode::GoalRight);
+  takeByLeft2(PlayMode::KickInLeft);
+  run(0.3);
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::FreeKickRight);
+}
+
+TEST_F(KickTest, ANewSetPlayOrADropBallLiftsTheRestriction) {
+  takeByLeft2(PlayMode::KickInLeft);
+  referee.dropBall();
+  run(0.3);
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  takeByLeft2(PlayMode::KickInLeft);
+  start(PlayMode::CornerKickRight);
+  run(1.1);
+  start(PlayMode::PlayOn);
+  run(0.3);
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+// ------------------------------------------------------------------------------ pass mode
+
+class PassModeTest : public RefereeTest {
+ protected:
+  PassModeTest() {
+    start(PlayMode::OffsideLeft);
+    run(4);
+    start(PlayMode::PlayOn);
+    world.setBallAt(2, 2);
+    world.put(left2, 1.6, 2);
+    step();
+  }
+  bool granted() {
+    referee.requestPass(left2);
+    return mode() == PlayMode::PassLeft;
+  }
+};
+
+TEST_F(PassModeTest, IsGrantedToAPlayerAtARestingBall) {
+  EXPECT_TRUE(granted());
+}
+
+TEST_F(PassModeTest, NeedsPlayOn) {
+  start(PlayMode::OffsideRight);
+  EXPECT_FALSE(granted());
+}
+
+TEST_F(PassModeTest, NeedsARestingBall) {
+  world.ballView.velocity = {0.051, 0, 0};
+  EXPECT_FALSE(granted());
+  world.ballView.velocity = {0.049, 0, 0};
+  EXPECT_TRUE(granted());
+}
+
+TEST_F(PassModeTest, NeedsTheAskingPlayerNearTheBall) {
+  world.put(left2, 1.49, 2);
+  EXPECT_FALSE(granted());
+  world.put(left2, 1.51, 2);
+  EXPECT_TRUE(granted());
+}
+
+TEST_F(PassModeTest, NeedsOpponentsAMetreAway) {
+  world.put(right2, 2.99, 2);
+  EXPECT_FALSE(granted());
+  world.put(right2, 3.01, 2);
+  EXPECT_TRUE(granted());
+}
+
+TEST_F(PassModeTest, NeedsNobodyOfTheTeamAtTheBall) {
+  world.touchBall(left3);
+  EXPECT_FALSE(granted());
+  world.clearContacts();
+  world.touchBall(right2);
+  EXPECT_TRUE(granted());
+}
+
+TEST_F(PassModeTest, NeedsATeam) {
+  const RobotHandle stranger = world.add(Side::None, 0, 1.7, 2);
+  referee.requestPass(stranger);
+  referee.requestPass(12345);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(PassModeTest, EndsAtTheFirstTouchOfAnybody) {
+  for (const RobotHandle robot : {left3, right2}) {
+    ASSERT_TRUE(granted());
+    step(3);
+    touch(robot);
+    EXPECT_EQ(mode(), PlayMode::PlayOn);
+    run(4);
+  }
+}
+
+TEST_F(PassModeTest, EndsAfterFourSeconds) {
+  ASSERT_TRUE(granted());
+  run(3.9);
+  EXPECT_EQ(mode(), PlayMode::PassLeft);
+  run(0.2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(PassModeTest, ComesAgainOnlyThreeSecondsAfterTheLastOne) {
+  ASSERT_TRUE(granted());
+  touch(left2);
+  run(2.9);
+  EXPECT_FALSE(granted());
+  run(0.2);
+  EXPECT_TRUE(granted());
+}
+
+TEST_F(PassModeTest, TheOtherSideNeedNotWait) {
+  ASSERT_TRUE(granted());
+  touch(left2);
+  world.put(left2, -5, 2);
+  world.put(right2, 2.4, 2);
+  referee.requestPass(right2);
+  EXPECT_EQ(mode(), PlayMode::PassRight);
+}
+
+TEST_F(PassModeTest, OpponentsAreMovedAwayInEveryCycle) {
+  ASSERT_TRUE(granted());
+  for (int i = 0; i < 2; ++i) {
+    world.put(right2, 2.5, 2);
+    step();
+    EXPECT_NEAR(world.place(right2).x(), 3.1, 1e-9);
+  }
+}
+
+TEST_F(PassModeTest, GoalsAndOutsAreStillWhistled) {
+  ASSERT_TRUE(granted());
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+}
+
+TEST_F(PassModeTest, TheSideCannotScoreForTenSecondsAfterwards) {
+  ASSERT_TRUE(granted());
+  touch(left2);
+  EXPECT_NEAR(referee.passScoreWait(Side::Left), 10, 1e-3);
+  EXPECT_EQ(referee.passScoreWait(Side::Right), 0);
+  run(9.5);
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalKickRight);
+}
+
+TEST_F(PassModeTest, AfterTenSecondsTheSideMayScore) {
+  ASSERT_TRUE(granted());
+  touch(left2);
+  run(10.1);
+  EXPECT_EQ(referee.passScoreWait(Side::Left), 0);
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+}
+
+TEST_F(PassModeTest, TheOtherSideMayScore) {
+  ASSERT_TRUE(granted());
+  touch(left2);
+  hitGoalOf(Side::Left);
+  EXPECT_EQ(mode(), PlayMode::GoalRight);
+}
+
+TEST_F(PassModeTest, ARealPassLiftsTheLimit) {
+  ASSERT_TRUE(granted());
+  touch(left2);
+  world.setBallAt(3.1, 2);
+  run(0.5);
+  touch(left3);
+  EXPECT_EQ(referee.passScoreWait(Side::Left), 0);
+  hitGoalOf(Side::Right);
+  EXPECT_EQ(mode(), PlayMode::GoalLeft);
+}
+
+TEST_F(PassModeTest, AShortPassOrALonelyRunDoesNotLiftTheLimit) {
+  ASSERT_TRUE(granted());
+  touch(left2);
+  world.setBallAt(2.9, 2);
+  run(0.5);
+  touch(left3);  // two players, but the ball was never a metre away
+  EXPECT_GT(referee.passScoreWait(Side::Left), 0);
+  run(4);
+  world.setBallAt(2, 2);
+  ASSERT_TRUE(granted());
+  touch(left2);
+  world.setBallAt(4, 2);
+  run(0.5);
+  touch(left2);  // far enough, but one player alone
+  EXPECT_GT(referee.passScoreWait(Side::Left), 0);
+}
+
+TEST_F(PassModeTest, OpponentsPassModeAndSetPlaysLiftTheLimit) {
+  ASSERT_TRUE(granted());
+  touch(left2);
+  world.put(left2, -5, 2);
+  world.put(right2, 2.4, 2);
+  referee.requestPass(right2);
+  ASSERT_EQ(mode(), PlayMode::PassRight);
+  EXPECT_EQ(referee.passScoreWait(Side::Left), 0);
+
+  touch(right2);
+  EXPECT_GT(referee.passScoreWait(Side::Right), 0);
+  start(PlayMode::KickOffLeft);
+  EXPECT_EQ(referee.passScoreWait(Side::Right), 0);
+}
+
+}  // namespace
+}  // namespace arena

@@ -25,7 +25,7 @@ class Replay {
     robot_.placeUpright(kBeamPlace, kFacingRight);
     for (int i = 0; i < kSettleSteps; ++i) {
       holdBall();
-      world_.step();
+      step();
     }
     holdBall();
     setUp();
@@ -36,7 +36,7 @@ class Replay {
     for (std::size_t k = 0; k < trace_.rows.size(); ++k) {
       if (k > 0) {
         if (k > 1) apply(trace_.rows[k - 2]);
-        world_.step();
+        step();
       }
       rows.push_back(sense(trace_.rows[k]));
     }
@@ -58,7 +58,12 @@ class Replay {
     }
     if (setup.ball_velocity) world_.setBallVelocity(*setup.ball_velocity);
     if (setup.robot_position) robot_.moveTo(*setup.robot_position);
-    for (int i = 0; i < steps; ++i) world_.step();
+    for (int i = 0; i < steps; ++i) step();
+  }
+
+  void step() {
+    world_.sampleAccelerometers();
+    world_.step();
   }
 
   void apply(const TraceRow& row) {

@@ -135,6 +135,17 @@ void PhysicsWorld::removeRobot(RobotHandle handle) {
   });
 }
 
+RobotBody& PhysicsWorld::renewRobot(RobotHandle handle) {
+  const RobotBody* old = robot(handle);
+  assert(old != nullptr);
+  const RobotBody::State state = old->state();
+  const int type = old->model().type;
+  removeRobot(handle);
+  RobotBody& renewed = addRobot(handle, type);
+  renewed.setState(state);
+  return renewed;
+}
+
 RobotBody* PhysicsWorld::robot(RobotHandle handle) const {
   for (const auto& robot : robots_) {
     if (robot->handle() == handle) return robot.get();
@@ -181,6 +192,10 @@ void PhysicsWorld::applyBallDrag() {
   dBodyAddTorque(ball_, -kBallSpinDrag * w[0], -kBallSpinDrag * w[1], -kBallSpinDrag * w[2]);
 }
 
+void PhysicsWorld::sampleAccelerometers() {
+  for (const auto& robot : robots_) robot->sampleAccelerometer();
+}
+
 void PhysicsWorld::step() {
   ball_contacts_.clear();
   robot_contacts_.clear();
@@ -188,7 +203,6 @@ void PhysicsWorld::step() {
   goal_hit_ = {};
   for (const auto& robot : robots_) {
     robot->clearFootContacts();
-    robot->sampleAccelerometer();
     robot->applyDrag();
   }
   applyBallDrag();
@@ -210,6 +224,10 @@ void PhysicsWorld::nearCallback(void* self, dGeomID first, dGeomID second) {
 void PhysicsWorld::collide(dGeomID first, dGeomID second) {
   const GeomTag& first_tag = *static_cast<const GeomTag*>(dGeomGetData(first));
   const GeomTag& second_tag = *static_cast<const GeomTag*>(dGeomGetData(second));
+  if (first_tag.robot != nullptr && second_tag.robot != nullptr && first_tag.robot->newcomer() &&
+      second_tag.robot->newcomer()) {
+    return;
+  }
   std::array<dContact, kMaxContacts> contacts;
   const int count = dCollide(first, second, kMaxContacts, &contacts[0].geom, sizeof(dContact));
   if (count == 0) return;

@@ -28,6 +28,10 @@ class PhysicsWorld {
   // REQUIRES 0 <= type < kRobotTypeCount and a handle that no robot of this world has.
   RobotBody& addRobot(RobotHandle handle, int type);
   void removeRobot(RobotHandle handle);
+  // Builds a robot anew in its present state, as if it had been added last. What follows then
+  // depends on the order of these calls alone, not on the order in which the robots were added.
+  // REQUIRES a known handle.
+  RobotBody& renewRobot(RobotHandle handle);
   // Null for an unknown handle.
   RobotBody* robot(RobotHandle handle) const;
   // In order of their building.
@@ -41,6 +45,9 @@ class PhysicsWorld {
   void setBallPosition(const Eigen::Vector3d& position);
   void setBallVelocity(const Eigen::Vector3d& velocity);
 
+  // One cycle in two parts: first the accelerometers take their readings, then, after what else is
+  // to be done to robots and ball in this cycle, the step itself.
+  void sampleAccelerometers();
   void step();
 
   // What touched in the last step.

@@ -153,6 +153,39 @@ void RobotBody::setJointSpeed(int joint, double speed) {
   if (wakes && !dBodyIsEnabled(child)) dBodyEnable(child);
 }
 
+RobotBody::State RobotBody::state() const {
+  State result{{}, {}, last_velocity_, accelerometer_};
+  for (dBodyID body : bodies_) {
+    State::BodyState part;
+    std::copy_n(dBodyGetPosition(body), 3, part.position.begin());
+    std::copy_n(dBodyGetQuaternion(body), 4, part.rotation.begin());
+    std::copy_n(dBodyGetLinearVel(body), 3, part.velocity.begin());
+    std::copy_n(dBodyGetAngularVel(body), 3, part.spin.begin());
+    result.bodies.push_back(part);
+  }
+  for (dJointID joint : joints_) {
+    result.motor_speeds.push_back(dJointGetHingeParam(joint, dParamVel));
+  }
+  return result;
+}
+
+void RobotBody::setState(const State& state) {
+  assert(state.bodies.size() == bodies_.size() && state.motor_speeds.size() == joints_.size());
+  for (std::size_t i = 0; i < bodies_.size(); ++i) {
+    const auto& [p, q, v, w] = state.bodies[i];
+    const dQuaternion rotation{q[0], q[1], q[2], q[3]};
+    dBodySetPosition(bodies_[i], p[0], p[1], p[2]);
+    dBodySetQuaternion(bodies_[i], rotation);
+    dBodySetLinearVel(bodies_[i], v[0], v[1], v[2]);
+    dBodySetAngularVel(bodies_[i], w[0], w[1], w[2]);
+  }
+  for (std::size_t i = 0; i < joints_.size(); ++i) {
+    dJointSetHingeParam(joints_[i], dParamVel, state.motor_speeds[i]);
+  }
+  last_velocity_ = state.last_velocity;
+  accelerometer_ = state.accelerometer;
+}
+
 void RobotBody::stopAll() {
   for (dBodyID body : bodies_) {
     dBodySetLinearVel(body, 0.0, 0.0, 0.0);

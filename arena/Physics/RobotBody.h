@@ -34,6 +34,23 @@ class RobotBody {
   RobotBody(const RobotBody&) = delete;
   RobotBody& operator=(const RobotBody&) = delete;
 
+  // All that a robot carries from step to step, in the engine's own precision.
+  struct State {
+    struct BodyState {
+      std::array<double, 3> position;
+      std::array<double, 4> rotation;  // quaternion, the engine's order
+      std::array<double, 3> velocity;
+      std::array<double, 3> spin;
+    };
+    std::vector<BodyState> bodies;
+    std::vector<double> motor_speeds;
+    Eigen::Vector3d last_velocity;
+    Eigen::Vector3d accelerometer;
+  };
+  State state() const;
+  // REQUIRES a state of the same robot type. Sleeping bodies stay awake.
+  void setState(const State& state);
+
   int handle() const { return handle_; }
   const RobotModel& model() const { return model_; }
 
@@ -48,6 +65,9 @@ class RobotBody {
   // the joint's maximum, replaced by 0 while the limb is frozen, and ignored while the joint is at
   // or beyond a stop. A value other than 0 wakes a sleeping robot. Not-a-number reads as 0.
   void setJointSpeed(int joint, double speed);
+  // Newcomers pass through each other.
+  bool newcomer() const { return newcomer_; }
+  void setNewcomer(bool newcomer) { newcomer_ = newcomer; }
   void setFrozen(Limb limb, bool frozen) { frozen_[static_cast<int>(limb)] = frozen; }
 
   // Puts the torso centre at `place`, pose kept, all velocities 0; wakes nothing.
@@ -90,7 +110,8 @@ class RobotBody {
   std::vector<dJointID> joints_;
   std::vector<GeomTag> tags_;
   std::vector<FootSensor> feet_;
-  std::array<bool, 5> frozen_{};
+  std::array<bool, std::size(kAllLimbs)> frozen_{};
+  bool newcomer_ = false;
   Eigen::Vector3d last_velocity_ = Eigen::Vector3d::Zero();
   Eigen::Vector3d accelerometer_ = Eigen::Vector3d::Zero();
 };

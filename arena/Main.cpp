@@ -1,0 +1,116 @@
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "Match/Match.h"
+#include "Net/ArenaServer.h"
+
+namespace {
+
+// One line on standard error that is rewritten about once a second.
+class ProgressLine {
+ public:
+  explicit ProgressLine(bool quiet) : quiet_(quiet) {}
+
+  void cycle(const arena::Match& match) {
+    if (quiet_) return;
+    const auto now = Clock::now();
+    const double wall = std::chrono::duration<double>(now - last_).count();
+    if (wall < 1.0) return;
+    const arena::GameState& game = match.game();
+    const double speed = first_ ? 0.0 : (match.time() - last_time_) / wall;
+    std::fprintf(stderr, "\r%8.2f s  %d:%d  %-22s %6.1f x real time ", game.time, game.score[0],
+                 game.score[1], std::string(nameOf(game.mode)).c_str(), speed);
+    std::fflush(stderr);
+    shown_ = true;
+    first_ = false;
+    last_ = now;
+    last_time_ = match.time();
+  }
+
+  // A line of its own, without damage to the progress line.
+  void log(const std::string& text) {
+    if (quiet_) return;
+    std::fprintf(stderr, "%s%s\n", shown_ ? "\n" : "", text.c_str());
+    shown_ = false;
+  }
+
+  void finish() {
+    if (shown_) std::fputc('\n', stderr);
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  bool quiet_;
+  bool shown_ = false;
+  bool first_ = true;
+  Clock::time_point last_ = Clock::now();
+  double last_time_ = 0.0;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  arena::MatchOptions match_options;
+  arena::ServerOptions server_options;
+  bool no_noise = false;
+  bool quiet = false;
+
+  CLI::App app{
+      "A practice pitch for robot soccer players, on simulated physics. Speaks the protocol of the "
+      "league's simulation server: agents connect at one port, trainers and monitors at another."};
+  app.add_option("--agent-port", server_options.agent_port, "TCP port for agents; 0: any free one")
+      ->capture_default_str();
+  app.add_option("--monitor-port", server_options.monitor_port,
+                 "TCP port for trainers and monitors; 0: any free one")
+      ->capture_default_str();
+  app.add_option("--bind", server_options.bind, "address to listen at")->capture_default_str();
+  app.add_flag("--real-time", server_options.real_time,
+               "50 cycles a second by the wall clock; default: lockstep, each cycle as soon as all "
+               "agents have answered");
+  app.add_option("--agent-timeout", server_options.agent_timeout,
+                 "lockstep: seconds of silence after which an agent is no longer waited for")
+      ->capture_default_str()
+      ->check(CLI::PositiveNumber);
+  app.add_option("--seed", match_options.seed, "seed of all random numbers")->capture_default_str();
+  app.add_option("--duration", server_options.duration,
+                 "end after so many seconds of game time; 0: never")
+      ->capture_default_str()
+      ->check(CLI::NonNegativeNumber);
+  app.add_option("--half-time", match_options.half_time, "seconds of game time in one half")
+      ->capture_default_str()
+      ->check(CLI::PositiveNumber);
+  app.add_flag("--auto-kick-off", match_options.auto_kick_off,
+               "kick off without a trainer after a while");
+  app.add_option("--wait-agents", server_options.wait_agents,
+                 "hold the first cycle until so many agents have loaded their scene")
+      ->capture_default_str()
+      ->check(CLI::NonNegativeNumber);
+  app.add_flag("--no-noise", no_noise, "exact vision, camera position and beams");
+  app.add_flag("--ground-truth", match_options.ground_truth,
+               "add the terms mypos, myorien and ballpos to what agents see");
+  app.add_flag("--quiet", quiet, "no progress line, no messages but errors");
+  CLI11_PARSE(app, argc, argv);
+
+  try {
+    ProgressLine progress(quiet);
+    const auto log = [&progress](const std::string& text) { progress.log(text); };
+    match_options.noise = !no_noise;
+    match_options.log = log;
+    server_options.handle_signals = true;
+    arena::Match match(match_options);
+    arena::ArenaServer server(match, server_options, log);
+    log("agents at port " + std::to_string(server.agentPort()) + ", monitors at port " +
+        std::to_string(server.monitorPort()));
+    server.setObserver([&](const arena::ArenaServer::CycleReport&) { progress.cycle(match); });
+    server.run();
+    progress.finish();
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "arena: %s\n", error.what());
+    return 1;
+  }
+}

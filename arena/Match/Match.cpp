@@ -1,0 +1,357 @@
+#include "Match/Match.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <unordered_map>
+
+#include "Percepts/BodyPercepts.h"
+#include "Percepts/PerceptText.h"
+#include "Physics/Constants.h"
+
+namespace arena {
+namespace {
+
+constexpr std::string_view kTypedScene = "rsg/agent/nao/nao_hetero.rsg";
+constexpr std::string_view kStandardScene = "rsg/agent/nao/nao.rsg";
+constexpr double kStartHeight = 0.4;  // of beamed and new players, m
+const Eigen::Vector3d kRefusedPlace{0.0, 0.0, 10.0};
+constexpr double kBeamPlaceNoise = 0.05;  // m, each axis
+constexpr double kBeamTurnNoise = 10.0;   // degrees
+constexpr int kCyclesPerPicture = 3;
+// An agent may be odd in this many ways before the log falls silent about it.
+constexpr std::size_t kMaxWarnings = 16;
+constexpr std::size_t kMaxWarningLength = 80;
+
+// World yaw of a player who faces the opponents' goal, degrees.
+double forwardYaw(Side side) {
+  return side == Side::Left ? -90.0 : 90.0;
+}
+
+int jointIndex(const RobotModel& model, std::string_view effector) {
+  using Index = std::unordered_map<std::string_view, int>;
+  static const auto indices = [] {
+    std::array<Index, kRobotTypeCount> result;
+    for (int type = 0; type < kRobotTypeCount; ++type) {
+      const auto& joints = robotModel(type).joints;
+      for (std::size_t i = 0; i < joints.size(); ++i) {
+        result[type].emplace(joints[i].effector, static_cast<int>(i));
+      }
+    }
+    return result;
+  }();
+  const Index& index = indices[model.type];
+  const auto found = index.find(effector);
+  return found == index.end() ? -1 : found->second;
+}
+
+}  // namespace
+
+Match::Match(const MatchOptions& options)
+    : options_(options),
+      referee_(world_, RefereeOptions{.halfTime = options.half_time,
+                                      .autoKickOff = options.auto_kick_off,
+                                      .seed = options.seed}),
+      trainer_(world_, referee_) {
+  world_.snapshot(time_, scene_);
+}
+
+Match::AgentId Match::connect() {
+  const VisionOptions vision{options_.noise, options_.ground_truth};
+  agents_.push_back(std::make_unique<Agent>(
+      next_id_, Vision(vision, Random(options_.seed, "camera"), Random(options_.seed, "vision")),
+      Random(options_.seed, "beam")));
+  return next_id_++;
+}
+
+void Match::disconnect(AgentId id) {
+  if (Agent* agent = find(id)) agent->connected = false;
+}
+
+Match::Agent* Match::find(AgentId id) {
+  const auto found = std::find_if(agents_.begin(), agents_.end(),
+                                  [id](const auto& agent) { return agent->id == id; });
+  return found == agents_.end() ? nullptr : found->get();
+}
+
+const Match::Agent* Match::find(AgentId id) const {
+  return const_cast<Match*>(this)->find(id);
+}
+
+bool Match::hasScene(AgentId id) const {
+  const Agent* agent = find(id);
+  return agent != nullptr && (agent->scene || agent->built);
+}
+
+const std::string& Match::percept(AgentId id) const {
+  static const std::string nothing;
+  const Agent* agent = find(id);
+  return agent == nullptr ? nothing : agent->percept;
+}
+
+std::vector<Match::AgentId> Match::agents() const {
+  std::vector<AgentId> ids;
+  for (const auto& agent : agents_) {
+    if (agent->connected) ids.push_back(agent->id);
+  }
+  return ids;
+}
+
+void Match::warn(Agent& agent, std::string_view what) {
+  if (agent.warned.size() >= kMaxWarnings || agent.warned.contains(what)) return;
+  agent.warned.emplace(what);
+  options_.log("agent " + std::to_string(agent.id) + ": " +
+               std::string(what.substr(0, kMaxWarningLength)));
+}
+
+void Match::receive(AgentId id, std::string_view frame) {
+  Agent* agent = find(id);
+  if (agent == nullptr || !agent->connected) return;
+  if (expression_.read(frame) != SExpression::Status::kComplete) {
+    warn(*agent, "message that is not a list of expressions");
+  }
+  RobotBody* robot = robotOf(*agent);
+  for (const Node term : expression_) {
+    if (!agent->built) {
+      // Without a body it can only ask for one.
+      if (term.name() == "scene") readScene(*agent, term);
+    } else if (robot != nullptr) {
+      readTerm(*agent, *robot, term);
+    }
+  }
+}
+
+void Match::readTerm(Agent& agent, RobotBody& robot, Node term) {
+  const std::string_view name = term.name();
+  const int joint = jointIndex(robot.model(), name);
+  if (joint >= 0) {
+    const Node speed = term.child(1);
+    if (speed && speed.isAtom()) robot.setJointSpeed(joint, speed.number());
+    return;
+  }
+  if (name == "syn" || name == "scene") return;
+  if (name == "init") {
+    readInit(agent, term);
+  } else if (name == "beam") {
+    readBeam(agent, term);
+  } else if (name == "say") {
+    readSay(agent, term);
+  } else if (name == "pass") {
+    agent.pass = true;
+  } else {
+    warn(agent, "unknown effector " + std::string(name.substr(0, kMaxWarningLength)));
+  }
+}
+
+void Match::readScene(Agent& agent, Node term) {
+  const std::string_view file = term.child(1).text();
+  if (file == kStandardScene) {
+    agent.scene = 0;
+  } else if (file == kTypedScene) {
+    const int type = term.child(2).integer();
+    if (type >= 0 && type < kRobotTypeCount) {
+      agent.scene = type;
+    } else {
+      warn(agent, "scene with an unknown robot type");
+    }
+  } else {
+    warn(agent, "unknown scene " + std::string(file.substr(0, kMaxWarningLength)));
+  }
+}
+
+void Match::readInit(Agent& agent, Node term) {
+  // A player keeps its place: a second init of an accepted one is left out.
+  if (agent.side != Side::None) {
+    warn(agent, "init of a player that has its place");
+    return;
+  }
+  const Node team = term.find("teamname");
+  if (!team) return;
+  agent.init = Init{term.find("unum").child(1).integer(), std::string(team.child(1).text())};
+}
+
+void Match::readBeam(Agent& agent, Node term) {
+  const Beam beam{term.child(1).number(), term.child(2).number(), term.child(3).number()};
+  if (std::isfinite(beam.x) && std::isfinite(beam.y) && std::isfinite(beam.turn)) {
+    agent.beam = beam;
+  } else {
+    warn(agent, "beam to a place that is not finite");
+  }
+}
+
+void Match::readSay(Agent& agent, Node term) {
+  const std::string_view text = term.child(1).text();
+  if (agent.side == Side::None || term.size() != 2 || !isSpeakable(text)) return;
+  // One voice is heard once per cycle.
+  const bool heard = std::any_of(said_.begin(), said_.end(), [&agent](const Utterance& other) {
+    return other.speaker == agent.id;
+  });
+  if (heard) return;
+  const Eigen::Vector3d place = robotOf(agent)->torsoPose().translation();
+  said_.push_back({agent.id, agent.side, place, std::string(text)});
+}
+
+void Match::step() {
+  trainer_.apply();
+  world_.setAgentCount(static_cast<int>(
+      std::count_if(agents_.begin(), agents_.end(), [](const auto& a) { return a->connected; })));
+  for (const auto& agent : agents_) {
+    agent->sensing = agent->built;
+    agent->hearing.nextCycle();
+  }
+  buildRobots();
+  admitPlayers();
+  world_.physics().sampleAccelerometers();
+  carryOutActions();
+  world_.physics().step();
+  world_.refresh();
+  time_ += static_cast<float>(kStepSeconds);
+  world_.snapshot(time_, scene_);
+  referee_.step();
+  removeDisconnected();
+  makePercepts();
+}
+
+void Match::buildRobots() {
+  for (const auto& agent : agents_) {
+    if (!agent->scene || agent->built || !agent->connected) continue;
+    world_.addRobot(agent->id, *agent->scene);
+    agent->built = true;
+  }
+}
+
+// Those who ask in the same cycle are taken in by team name and number, whoever was faster.
+void Match::admitPlayers() {
+  std::vector<Agent*> candidates;
+  for (const auto& agent : agents_) {
+    if (agent->init && robotOf(*agent) != nullptr) candidates.push_back(agent.get());
+  }
+  std::stable_sort(candidates.begin(), candidates.end(), [](const Agent* a, const Agent* b) {
+    return std::tie(a->init->team, a->init->number) < std::tie(b->init->team, b->init->number);
+  });
+  for (Agent* agent : candidates) admit(*agent);
+}
+
+void Match::admit(Agent& agent) {
+  const Init init = *agent.init;
+  agent.init.reset();
+  const auto player = roster_.admit(init.team, init.number, *agent.scene);
+  if (!player) {
+    warn(agent, "init refused for number " + std::to_string(init.number) + " of team " +
+                    init.team.substr(0, kMaxWarningLength / 2));
+    world_.physics().robot(agent.id)->setNewcomer(false);
+    world_.moveRobot(agent.id, kRefusedPlace);
+    return;
+  }
+  agent.side = player->side;
+  agent.number = player->number;
+  agent.announce = true;
+  referee_.setTeamName(player->side, init.team);
+  seed(agent, init.team + " " + std::to_string(player->number));
+  world_.enlist(agent.id, player->side, player->number);
+  world_.placeUpright(agent.id, {player->start.x(), player->start.y(), kStartHeight},
+                      forwardYaw(player->side));
+  const auto at = std::find_if(agents_.begin(), agents_.end(),
+                               [&agent](const auto& other) { return other.get() == &agent; });
+  std::rotate(at, at + 1, agents_.end());
+}
+
+// From now on its random numbers are its own, whenever and in which order the players came.
+void Match::seed(Agent& agent, const std::string& name) {
+  agent.vision =
+      Vision({options_.noise, options_.ground_truth}, Random(options_.seed, "camera " + name),
+             Random(options_.seed, "vision " + name));
+  agent.beam_noise = Random(options_.seed, "beam " + name);
+}
+
+void Match::carryOutActions() {
+  for (const auto& agent : agents_) {
+    if (agent->beam) carryOutBeam(*agent);
+    if (agent->pass && agent->side != Side::None) referee_.requestPass(agent->id);
+    agent->beam.reset();
+    agent->pass = false;
+  }
+}
+
+void Match::carryOutBeam(Agent& agent) {
+  if (agent.side == Side::None || !referee_.beamAllowed() || robotOf(agent) == nullptr) return;
+  Beam beam = *agent.beam;
+  if (options_.noise) {
+    beam.x += agent.beam_noise.uniform(-kBeamPlaceNoise, kBeamPlaceNoise);
+    beam.y += agent.beam_noise.uniform(-kBeamPlaceNoise, kBeamPlaceNoise);
+    beam.turn += agent.beam_noise.uniform(-kBeamTurnNoise, kBeamTurnNoise);
+  }
+  const double turn = agent.side == Side::Left ? 1.0 : -1.0;
+  const double x = turn * std::clamp(beam.x, -kHalfLength, 0.0);
+  const double y = turn * std::clamp(beam.y, -kHalfWidth, kHalfWidth);
+  world_.placeUpright(agent.id, {x, y, kStartHeight},
+                      forwardYaw(agent.side) + std::remainder(beam.turn, 360.0));
+  referee_.noteBeam(agent.id);
+}
+
+// A robot that the trainer has removed is as gone as one whose agent has left.
+void Match::removeDisconnected() {
+  for (const auto& agent : agents_) {
+    const bool gone = agent->built && robotOf(*agent) == nullptr;
+    if (agent->connected && !gone) continue;
+    if (agent->side != Side::None) roster_.release(agent->side, agent->number, *agent->scene);
+    agent->side = Side::None;
+    world_.removeRobot(agent->id);
+  }
+  std::erase_if(agents_, [](const auto& agent) { return !agent->connected; });
+}
+
+std::array<std::string, 2> Match::teamNames() const {
+  return {roster_.teamName(Side::Left), roster_.teamName(Side::Right)};
+}
+
+void Match::writeGameState(Agent& agent, std::string& text) {
+  const GameState& game = referee_.game();
+  text += "(GS ";
+  if (agent.announce) {
+    text += "(unum ";
+    appendInteger(text, agent.number);
+    text += agent.side == Side::Left ? ") (team left) " : ") (team right) ";
+    agent.announce = false;
+  }
+  text += "(sl ";
+  appendInteger(text, game.score[0]);
+  text += ") (sr ";
+  appendInteger(text, game.score[1]);
+  text += ") (t ";
+  appendReal(text, game.time);
+  text += ") (pm ";
+  text += nameOf(game.mode);
+  text += "))";
+}
+
+void Match::makePercepts() {
+  const std::array<std::string, 2> names = teamNames();
+  const double game_time = referee_.game().time;
+  for (const auto& agent : agents_) {
+    const RobotBody* robot = robotOf(*agent);
+    if (!agent->sensing || robot == nullptr) continue;
+    for (const Utterance& utterance : said_) {
+      agent->hearing.hear(utterance, agent->id, agent->side, robot->torsoPose().translation());
+    }
+    std::string& text = agent->percept;
+    text.clear();
+    text += "(time (now ";
+    appendReal(text, time_);
+    text += "))";
+    writeGameState(*agent, text);
+    agent->hearing.write(names, game_time, text);
+    writeTorsoSensors(*robot, text);
+    writeJoints(*robot, 0, kHeadJoints, text);
+    if (agent->percepts++ % kCyclesPerPicture == 0) {
+      const auto self = std::find_if(scene_.robots.begin(), scene_.robots.end(),
+                                     [&](const SceneRobot& r) { return r.handle == agent->id; });
+      agent->vision.write(scene_, static_cast<std::size_t>(self - scene_.robots.begin()), names,
+                          text);
+    }
+    writeJoints(*robot, kHeadJoints, robot->model().joints.size(), text);
+  }
+  said_.clear();
+}
+
+}  // namespace arena

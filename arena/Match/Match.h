@@ -1,0 +1,151 @@
+#ifndef QUOLNARIS_MATCH_MATCH_H_
+#define QUOLNARIS_MATCH_MATCH_H_
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Common/Random.h"
+#include "Common/Scene.h"
+#include "Match/MatchWorld.h"
+#include "Match/Roster.h"
+#include "Percepts/Hearing.h"
+#include "Percepts/Vision.h"
+#include "Referee/Referee.h"
+#include "Trainer/Trainer.h"
+#include "Wire/SExpression.h"
+
+namespace arena {
+
+struct MatchOptions {
+  std::uint64_t seed = 0;
+  float half_time = kHalfTime;
+  bool auto_kick_off = false;
+  bool noise = true;          // of vision, camera offset and beam
+  bool ground_truth = false;  // mypos, myorien and ballpos terms
+  std::function<void(const std::string&)> log = [](const std::string&) {};
+};
+
+// One match without its network: agents' messages in, percept messages out.
+//
+// In each cycle the owner first hands over what has arrived (receive, trainer().receive), then
+// sends out percept() of every agent, which describes the state after the step before, then calls
+// step(). Given the same calls in the same order it gives the same percepts.
+class Match {
+ public:
+  using AgentId = RobotHandle;
+
+  explicit Match(const MatchOptions& options);
+
+  // A new agent; it has no robot until it has sent a scene message. Ids are never used again.
+  AgentId connect();
+  // The agent's robot leaves the pitch in the next step.
+  void disconnect(AgentId agent);
+
+  // Reads one message of the agent. Hinge velocities and what is said take effect at once; scene,
+  // init, beam and pass are carried out in the next step, the last one of each kind. Anything that
+  // cannot be understood is ignored. Unknown agents: no effect.
+  void receive(AgentId agent, std::string_view frame);
+
+  // Whether the agent has asked for its robot.
+  bool hasScene(AgentId agent) const;
+  // The message for this cycle; empty as long as there is none. An agent whose robot was taken away
+  // is given its last message for ever.
+  const std::string& percept(AgentId agent) const;
+
+  void step();
+
+  // The agents, in the order in which their messages are to be handed over: first those without a
+  // team by connection, then the players by their acceptance into a team.
+  std::vector<AgentId> agents() const;
+
+  // Seconds since the start.
+  double time() const { return time_; }
+  float halfTime() const { return options_.half_time; }
+  const GameState& game() const { return referee_.game(); }
+  Referee& referee() { return referee_; }
+  const Referee& referee() const { return referee_; }
+  Trainer& trainer() { return trainer_; }
+  MatchWorld& world() { return world_; }
+  // Everything after the last physics step, before the referee moved anything.
+  const Scene& scene() const { return scene_; }
+
+ private:
+  using Node = SExpression::Node;
+
+  struct Init {
+    int number = 0;
+    std::string team;
+  };
+  struct Beam {
+    double x = 0.0;  // m, the team's coordinates
+    double y = 0.0;
+    double turn = 0.0;  // degrees
+  };
+  struct Agent {
+    Agent(AgentId agent_id, Vision eyes, Random noise)
+        : id(agent_id), vision(std::move(eyes)), beam_noise(noise) {}
+
+    AgentId id;
+    bool connected = true;
+    std::optional<int> scene;  // robot type asked for
+    bool built = false;
+    bool sensing = false;  // percepts are made, from the cycle after the building
+    std::optional<Init> init;
+    std::optional<Beam> beam;
+    bool pass = false;
+
+    Side side = Side::None;
+    int number = 0;
+    bool announce = false;  // the next game state tells side and number
+    int percepts = 0;       // made so far
+    Vision vision;
+    Random beam_noise;
+    Hearing hearing;
+    std::string percept;
+    std::set<std::string, std::less<>> warned;  // what has been logged about it
+  };
+
+  Agent* find(AgentId id);
+  const Agent* find(AgentId id) const;
+  RobotBody* robotOf(const Agent& agent) { return world_.physics().robot(agent.id); }
+
+  void readScene(Agent& agent, Node term);
+  void readInit(Agent& agent, Node term);
+  void readBeam(Agent& agent, Node term);
+  void readSay(Agent& agent, Node term);
+  void readTerm(Agent& agent, RobotBody& robot, Node term);
+  void warn(Agent& agent, std::string_view what);
+
+  void buildRobots();
+  void admitPlayers();
+  void admit(Agent& agent);
+  void seed(Agent& agent, const std::string& name);
+  void carryOutActions();
+  void carryOutBeam(Agent& agent);
+  void removeDisconnected();
+  void makePercepts();
+  void writeGameState(Agent& agent, std::string& text);
+  std::array<std::string, 2> teamNames() const;
+
+  MatchOptions options_;
+  MatchWorld world_;
+  Referee referee_;
+  Trainer trainer_;
+  Roster roster_;
+  std::vector<std::unique_ptr<Agent>> agents_;
+  AgentId next_id_ = 1;
+  SExpression expression_;
+  std::vector<Utterance> said_;
+  Scene scene_;
+  float time_ = 0.0f;  // single precision, like the game's clock
+};
+
+}  // namespace arena
+
+#endif  // QUOLNARIS_MATCH_MATCH_H_

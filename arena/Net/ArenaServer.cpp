@@ -1,0 +1,262 @@
+#include "Net/ArenaServer.h"
+
+#include <algorithm>
+#include <boost/asio/ip/address.hpp>
+#include <boost/asio/post.hpp>
+#include <csignal>
+
+namespace arena {
+namespace {
+
+constexpr std::chrono::milliseconds kTick{20};
+// How often time-outs are looked at while nothing arrives.
+constexpr std::chrono::milliseconds kPatience{20};
+// Far more than two teams with their substitutes; keeps memory bounded.
+constexpr std::size_t kMaxAgents = 64;
+constexpr std::size_t kMaxMonitors = 32;
+
+constexpr FramedConnection::Limits kAgentLimits{
+    .frame_length = std::size_t{64} << 10, .queue = 64, .unsent = std::size_t{128} << 10};
+// A full monitor message of 22 robots has some 100 kB.
+constexpr FramedConnection::Limits kMonitorLimits{
+    .frame_length = std::size_t{64} << 10, .queue = 256, .unsent = std::size_t{1} << 20};
+
+std::string quoted(std::string_view reason) {
+  return reason.empty() ? std::string() : " (" + std::string(reason) + ")";
+}
+
+}  // namespace
+
+ArenaServer::ArenaServer(Match& match, const ServerOptions& options,
+                         std::function<void(const std::string&)> log)
+    : match_(match),
+      options_(options),
+      log_(std::move(log)),
+      agent_acceptor_(open(options.agent_port)),
+      monitor_acceptor_(open(options.monitor_port)),
+      signals_(io_),
+      stream_(match.halfTime()) {
+  if (options_.handle_signals) {
+    signals_.add(SIGINT);
+    signals_.add(SIGTERM);
+    signals_.async_wait([this](const boost::system::error_code& error, int) {
+      if (!error) stopping_ = true;
+    });
+  }
+  acceptAgent();
+  acceptMonitor();
+}
+
+ArenaServer::~ArenaServer() {
+  for (AgentSession& session : agents_) session.connection->close();
+  for (MonitorSession& session : monitors_) session.connection->close();
+}
+
+ArenaServer::Tcp::acceptor ArenaServer::open(unsigned short port) {
+  return {io_, Tcp::endpoint(boost::asio::ip::make_address(options_.bind), port)};
+}
+
+unsigned short ArenaServer::agentPort() const {
+  return agent_acceptor_.local_endpoint().port();
+}
+
+unsigned short ArenaServer::monitorPort() const {
+  return monitor_acceptor_.local_endpoint().port();
+}
+
+void ArenaServer::stop() {
+  boost::asio::post(io_, [this] { stopping_ = true; });
+}
+
+void ArenaServer::acceptAgent() {
+  agent_acceptor_.async_accept([this](const boost::system::error_code& error, Tcp::socket socket) {
+    if (error == boost::asio::error::operation_aborted) return;
+    if (!error && agents_.size() >= kMaxAgents) {
+      log_("agent turned away: too many connections");
+    } else if (!error) {
+      AgentSession& session = agents_.emplace_back();
+      session.id = match_.connect();
+      session.connection = std::make_shared<FramedConnection>(std::move(socket), kAgentLimits);
+      session.waiting_since = Clock::now();
+      session.connection->start([this, &session] { onAgentEvent(session); });
+    }
+    acceptAgent();
+  });
+}
+
+void ArenaServer::acceptMonitor() {
+  monitor_acceptor_.async_accept([this](const boost::system::error_code& error,
+                                        Tcp::socket socket) {
+    if (error == boost::asio::error::operation_aborted) return;
+    if (!error && monitors_.size() >= kMaxMonitors) {
+      log_("monitor turned away: too many connections");
+    } else if (!error) {
+      if (monitors_.empty()) stream_.requestFull();
+      MonitorSession& session = monitors_.emplace_back();
+      session.connection = std::make_shared<FramedConnection>(std::move(socket), kMonitorLimits);
+      session.connection->start([this, &session] { onMonitorEvent(session); });
+      session.connection->send(stream_.full(match_.scene(), match_.game(), passWait()));
+    }
+    acceptMonitor();
+  });
+}
+
+void ArenaServer::onAgentEvent(AgentSession& session) {
+  FramedConnection& connection = *session.connection;
+  while (!match_.hasScene(session.id) && connection.waiting() > 0) {
+    match_.receive(session.id, connection.take());
+    session.applied = 1;
+  }
+  session.waiting_since = Clock::now();
+  session.silent = false;
+}
+
+void ArenaServer::onMonitorEvent(MonitorSession& session) {
+  FramedConnection& connection = *session.connection;
+  while (connection.waiting() > 0) {
+    const std::string frame = connection.take();
+    // While the clock stands no cycle comes that would carry the end out.
+    if (!clockRuns() && frame.find("(killsim") != std::string::npos) stopping_ = true;
+    match_.trainer().receive(frame);
+  }
+}
+
+std::array<float, 2> ArenaServer::passWait() const {
+  const Referee& referee = match_.referee();
+  return {referee.passScoreWait(Side::Left), referee.passScoreWait(Side::Right)};
+}
+
+bool ArenaServer::clockRuns() const {
+  const auto loaded = std::count_if(agents_.begin(), agents_.end(), [this](const auto& session) {
+    return !session.connection->ended() && match_.hasScene(session.id);
+  });
+  return loaded > 0 && (begun_ || loaded >= options_.wait_agents);
+}
+
+// Whether the next cycle has a frame for the agent.
+bool ArenaServer::frameDue(const AgentSession& session) const {
+  return !match_.percept(session.id).empty();
+}
+
+// Whether the agent has sent what must be applied before it gets its next frame.
+bool ArenaServer::answered(const AgentSession& session) const {
+  const long next_frame = session.given + 1;
+  return session.applied + static_cast<long>(session.connection->waiting()) >= next_frame - 1;
+}
+
+bool ArenaServer::everybodyReady() {
+  const Clock::time_point now = Clock::now();
+  const auto timeout = std::chrono::duration<double>(options_.agent_timeout);
+  bool ready = true;
+  for (AgentSession& session : agents_) {
+    if (session.connection->ended() || session.silent || !frameDue(session)) continue;
+    if (answered(session)) continue;
+    if (now - session.waiting_since < timeout) {
+      ready = false;
+      continue;
+    }
+    session.silent = true;
+    log_("agent " + std::to_string(session.id) + ": silent, no longer waited for");
+  }
+  return ready;
+}
+
+void ArenaServer::waitForAgents() {
+  io_.poll();
+  while (!stopping_ && !(clockRuns() && everybodyReady())) io_.run_one_for(kPatience);
+}
+
+void ArenaServer::waitForTick() {
+  io_.poll();
+  while (!stopping_ && !clockRuns()) io_.run_one_for(kPatience);
+  while (!stopping_ && io_.run_one_until(last_tick_ + kTick) > 0) {
+  }
+  last_tick_ = std::max(Clock::now(), last_tick_ + kTick);
+}
+
+void ArenaServer::run() {
+  last_tick_ = Clock::now();
+  while (!stopping_) {
+    options_.real_time ? waitForTick() : waitForAgents();
+    if (!stopping_) cycle();
+    if (match_.trainer().stopRequested()) stopping_ = true;
+    if (options_.duration > 0.0 && match_.game().time >= options_.duration) stopping_ = true;
+  }
+}
+
+void ArenaServer::cycle() {
+  begun_ = true;
+  ++cycles_;
+  removeEnded();
+  handOver();
+  sendPercepts();
+  match_.step();
+  sendMonitors();
+  if (observer_) observer_(report_);
+}
+
+void ArenaServer::removeEnded() {
+  agents_.remove_if([this](AgentSession& session) {
+    if (!session.connection->ended()) return false;
+    log_("agent " + std::to_string(session.id) + ": gone" + quoted(session.connection->reason()));
+    match_.disconnect(session.id);
+    session.connection->close();
+    return true;
+  });
+  monitors_.remove_if([](MonitorSession& session) {
+    if (!session.connection->ended()) return false;
+    session.connection->close();
+    return true;
+  });
+}
+
+// In the order of the match, so that it does not matter who was faster.
+void ArenaServer::handOver() {
+  report_.late.clear();
+  for (const Match::AgentId id : match_.agents()) {
+    const auto found = std::find_if(agents_.begin(), agents_.end(),
+                                    [id](const AgentSession& session) { return session.id == id; });
+    if (found == agents_.end()) continue;
+    AgentSession& session = *found;
+    if (!match_.hasScene(id)) continue;
+    if (frameDue(session) && !answered(session)) report_.late.push_back(id);
+    // Frame k, which is given in this cycle, comes after messages 1 to k - 1.
+    while (session.connection->waiting() > 0 &&
+           (options_.real_time || (frameDue(session) && session.applied < session.given))) {
+      match_.receive(id, session.connection->take());
+      ++session.applied;
+    }
+  }
+}
+
+void ArenaServer::sendPercepts() {
+  for (AgentSession& session : agents_) {
+    if (!frameDue(session)) continue;
+    if (!session.connection->send(match_.percept(session.id)) && !session.slow) {
+      session.slow = true;
+      log_("agent " + std::to_string(session.id) + ": does not read, frames are dropped");
+    }
+    ++session.given;
+    session.waiting_since = Clock::now();
+  }
+}
+
+void ArenaServer::sendMonitors() {
+  if (match_.trainer().takeFullStateRequest()) stream_.requestFull();
+  if (monitors_.empty()) return;
+  stream_.noteFouls(match_.referee().fouls());
+  if (cycles_ % MonitorStream::kCyclesPerMessage != 0) return;
+  const std::string message = stream_.next(match_.scene(), match_.game(), passWait());
+  for (MonitorSession& session : monitors_) {
+    if (session.missed) {
+      if (session.connection->unsent() > 0) continue;
+      session.missed = false;
+      session.connection->send(stream_.full(match_.scene(), match_.game(), passWait()));
+    } else if (!session.connection->send(message)) {
+      session.missed = true;
+      log_("monitor does not read, messages are dropped");
+    }
+  }
+}
+
+}  // namespace arena

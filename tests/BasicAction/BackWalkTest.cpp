@@ -24,7 +24,8 @@ class BackWalkTest : public ::testing::Test {
     takeStance(body, gait.basicWalkState, [this] { return execute(); });
   }
   void expect(const GaitStep& step) {
-    expectStep(body, gait, gait.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
+    expectStep(
+        body, gait, gait.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
   }
 
   ::TestBody body;

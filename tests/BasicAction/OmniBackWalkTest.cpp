@@ -45,10 +45,11 @@ class OmniBackWalkTest : public ::testing::Test {
     takeStance(body, gait.basicWalkState, [this] { return execute(); });
   }
   void expect(const GaitStep& step) {
-    const GaitNumbers& numbers = step.sequence == 2                           ? kOpening
+    const GaitNumbers& numbers = step.sequence == 2                         ? kOpening
                                  : step.sequence == 4 || step.sequence == 6 ? kUnwinding
-                                                                              : kStraight;
-    expectStep(body, gait, gait.basicWalkState, [this] { return execute(); }, numbers, step, feet);
+                                                                            : kStraight;
+    expectStep(
+        body, gait, gait.basicWalkState, [this] { return execute(); }, numbers, step, feet);
   }
 
   ::TestBody body;

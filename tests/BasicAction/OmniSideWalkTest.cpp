@@ -40,8 +40,9 @@ class OmniSideWalkTest : public ::testing::Test {
   }
   void expect(const GaitStep& step) {
     const bool unwinding = step.sequence == 4 || step.sequence == 6;
-    expectStep(body, gait, gait.basicWalkState, [this] { return execute(); },
-               unwinding ? kUnwinding : kStraight, step, feet);
+    expectStep(
+        body, gait, gait.basicWalkState, [this] { return execute(); },
+        unwinding ? kUnwinding : kStraight, step, feet);
   }
 
   ::TestBody body;

@@ -37,7 +37,8 @@ class OmniWalkTest : public ::testing::Test {
     takeStance(body, gait.basicWalkState, [this] { return execute(); });
   }
   void expect(const GaitStep& step, const GaitNumbers& numbers = kNumbers) {
-    expectStep(body, gait, gait.basicWalkState, [this] { return execute(); }, numbers, step, feet);
+    expectStep(
+        body, gait, gait.basicWalkState, [this] { return execute(); }, numbers, step, feet);
   }
 
   ::TestBody body;
@@ -306,9 +307,8 @@ TEST_F(OmniWalkTest, AResetInMidStepKeepsTheYawAndThePhaseCountOfTheUnwindingSte
                     gait._othersideOmni, gait._sideOmni, gait.sideEnd}) {
     EXPECT_FALSE(flag);
   }
-  for (double value :
-       {gait.rx, gait.lx, gait.rotate, gait.Xtorso, gait.Ytorso, gait.Ztorso, gait.t, gait.sx,
-        gait.ox, gait.z, gait.angle, gait.endStepVal, gait.dist}) {
+  for (double value : {gait.rx, gait.lx, gait.rotate, gait.Xtorso, gait.Ytorso, gait.Ztorso, gait.t,
+                       gait.sx, gait.ox, gait.z, gait.angle, gait.endStepVal, gait.dist}) {
     EXPECT_EQ(value, 0);
   }
   EXPECT_EQ(gait.error, 10) << "the request's parameters stay";

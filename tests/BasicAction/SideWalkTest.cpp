@@ -28,7 +28,8 @@ class SideWalkTest : public ::testing::Test {
     takeStance(body, gait.basicWalkState, [this] { return execute(); });
   }
   void expect(const GaitStep& step) {
-    expectStep(body, gait, gait.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
+    expectStep(
+        body, gait, gait.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
   }
 
   ::TestBody body;

@@ -35,7 +35,8 @@ class TABTest : public ::testing::Test {
     takeStance(body, tab.basicWalkState, [this] { return execute(); });
   }
   void expect(const GaitStep& step) {
-    expectStep(body, tab, tab.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
+    expectStep(
+        body, tab, tab.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
   }
   void expectRestingCycle(bool result, int next) {
     body.nextCycle();

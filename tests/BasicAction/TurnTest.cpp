@@ -39,7 +39,8 @@ class TurnTest : public ::testing::Test {
     takeStance(body, turn.basicTurnState, [this] { return execute(); });
   }
   void expect(const GaitStep& step) {
-    expectStep(body, turn, turn.basicTurnState, [this] { return execute(); }, kNumbers, step, feet);
+    expectStep(
+        body, turn, turn.basicTurnState, [this] { return execute(); }, kNumbers, step, feet);
   }
   void expectRestingCycle(bool result, int next) {
     body.nextCycle();
@@ -333,8 +334,7 @@ TEST_F(TurnTest, FollowsTheRulesForTargetsThatJumpAbout) {
           return body.world->getAngleTo(turn.v);
         },
         [this] { return execute(); },
-        [this](bool side) { return side == kLeft ? turn.ly : turn.ry; },
-        [&] { request(now, 40); });
+        [this](bool side) { return side == kLeft ? turn.ly : turn.ry; }, [&] { request(now, 40); });
     EXPECT_GT(ends, 20);
   }
 }

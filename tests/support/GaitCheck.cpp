@@ -15,8 +15,8 @@ LegTargets legTargets(const GaitNumbers& numbers, const Feet& feet, bool leg, bo
   LegTargets targets;
   for (bool side : {kLeft, kRight}) {
     const double up = side == leg ? height : 0;
-    targets.ankle[side] = numbers.sideways ? Vector(0, feet.place[side], up)
-                                           : Vector(feet.place[side], 0, up);
+    targets.ankle[side] =
+        numbers.sideways ? Vector(0, feet.place[side], up) : Vector(feet.place[side], 0, up);
     targets.yaw[side] = feet.fixedYaw + (side == rotating ? feet.yaw : 0);
   }
   targets.torso = numbers.sideways ? Vector(numbers.torso[0], middle + shift, numbers.torso[2])

@@ -37,7 +37,10 @@ class PairOracle {
         break;
       case 2:
         for (double& yaw : RotZ) yaw = 0;
-        if (phaseOf(otherside, kind == kOmni ? 0.5 : kind == kBack ? -0.5 : gain,
+        if (phaseOf(otherside,
+                    kind == kOmni   ? 0.5
+                    : kind == kBack ? -0.5
+                                    : gain,
                     kind == kBack || kind == kTurn || kind == kAround ? special : straight)) {
           sequence = 3;
         }
@@ -186,10 +189,11 @@ class PairOracle {
   bool again = false;  // an unwinding step has ended
 };
 
-// Runs `execute` of the action beside the oracle for `cycles` cycles, with a target that jumps every
-// `hold` cycles, and compares sequencer, legs, feet, yaw and result in each. `aim(angle)` puts the
-// target and returns the angle that the action will see; `places` gives the action's accumulated
-// feet, by side; `renew` is called after a true result. Returns how many results were true.
+// Runs `execute` of the action beside the oracle for `cycles` cycles, with a target that jumps
+// every `hold` cycles, and compares sequencer, legs, feet, yaw and result in each. `aim(angle)`
+// puts the target and returns the angle that the action will see; `places` gives the action's
+// accumulated feet, by side; `renew` is called after a true result. Returns how many results were
+// true.
 template <class Action, class Aim, class Execute, class Places, class Renew>
 int expectLikeOracle(TestBody& body, Action& action, const int& sequence, PairOracle& oracle,
                      double error, int cycles, int hold, unsigned seed, Aim aim, Execute execute,

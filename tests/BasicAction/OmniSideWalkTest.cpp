@@ -268,6 +268,7 @@ TEST_F(OmniSideWalkTest, ResetKeepsYawPhaseCountErrorAndDirection) {
 
 TEST_F(OmniSideWalkTest, FollowsTheRulesForTargetsThatJumpAbout) {
   for (int hold : {1, 7, 40}) {
+    body.setResponse(hold == 7 ? 0.6f : 1);  // obeying and lagging joints
     gait.resetVars();
     gait.error = 40;
     gait.Gain = 1;

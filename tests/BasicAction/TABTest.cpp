@@ -232,6 +232,7 @@ TEST_F(TABTest, ResetGivesTheValuesOfConstruction) {
 
 TEST_F(TABTest, FollowsTheRulesForTargetsThatJumpAbout) {
   for (int hold : {1, 7, 40}) {
+    body.setResponse(hold == 7 ? 0.6f : 1);  // obeying and lagging joints
     TAB fresh;
     fresh.execute(pointAt(0), 40);
     PairOracle oracle(PairOracle::kAround, kNumbers, kNumbers);

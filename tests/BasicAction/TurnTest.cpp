@@ -322,6 +322,7 @@ TEST_F(TurnTest, ResetCopiesTheLiftIntoYawAndStride) {
 
 TEST_F(TurnTest, FollowsTheRulesForTargetsThatJumpAbout) {
   for (int hold : {1, 7, 40}) {
+    body.setResponse(hold == 7 ? 0.6f : 1);  // obeying and lagging joints
     turn.resetVars();
     request(0, 40);
     PairOracle oracle(PairOracle::kTurn, kNumbers, kNumbers);

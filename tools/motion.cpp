@@ -1,0 +1,645 @@
+// Drives one motion of the player's own code against a running server and reports what it did.
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <boost/asio.hpp>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Agent/OurPlayer.h"
+#include "BasicAction/Dive.h"
+#include "BasicAction/Kick.h"
+#include "BasicAction/Reset.h"
+#include "BasicAction/SeeBall.h"
+#include "BasicAction/StandUp.h"
+#include "BasicAction/TAB.h"
+#include "BasicAction/Turn.h"
+#include "BasicAction/Walk.h"
+#include "Decision/Actions.h"
+#include "Kinematics/ForwardKinematic.h"
+#include "MotionPicture.h"
+#include "MotionRecord.h"
+
+namespace {
+
+namespace asio = boost::asio;
+using asio::ip::tcp;
+
+constexpr double kDegree = 3.141592653589793 / 180;
+constexpr int kBeams = 10;
+constexpr int kPatience = 1500;   // cycles that the trainer's word may take to show
+constexpr int kSettle = 50;       // cycles to stand still with straight joints before the start
+constexpr int kFigureEvery = 10;  // cycles between two stick figures, at least
+constexpr std::size_t kMaxFigures = 60;
+constexpr const char* kTeam = "Motion";
+
+// Where the run starts and where the ball waits out of the way, metres.
+constexpr double kStartX = -8;
+constexpr double kStartY = 0;
+constexpr double kAwayX = 0;
+constexpr double kAwayY = -9;
+// Above the ground, just so that the feet of every robot type clear it.
+constexpr double kStartZ = 0.4;
+
+struct Options {
+  std::string motion;
+  std::string host = "127.0.0.1";
+  std::uint16_t agentPort = 3100;
+  std::uint16_t trainerPort = 3200;
+  int type = 0;
+  int number = 1;
+  double seconds = 8;
+  double lead = 2.5;
+  double angle = 120;
+  double speed = 1;
+  double ballAhead = 0.155;
+  double ballAside = 0.04;
+  std::string label = "1";
+  std::string trace;
+  std::string svg;
+  bool csv = false;
+  bool list = false;
+};
+
+// The trainer's side of the server: says what the referee shall do. Without one, everything happens
+// where the server puts the robot.
+class Trainer {
+ public:
+  Trainer(const std::string& host, std::uint16_t port) : socket_(io_) {
+    tcp::resolver resolver(io_);
+    asio::connect(socket_, resolver.resolve(host, std::to_string(port)));
+    socket_.set_option(tcp::no_delay(true));
+  }
+
+  void say(const std::string& command) {
+    const auto size = static_cast<std::uint32_t>(command.size());
+    const std::array<unsigned char, 4> prefix = {
+        static_cast<unsigned char>(size >> 24U), static_cast<unsigned char>(size >> 16U),
+        static_cast<unsigned char>(size >> 8U), static_cast<unsigned char>(size)};
+    const std::array<asio::const_buffer, 2> both = {asio::buffer(prefix), asio::buffer(command)};
+    asio::write(socket_, both);
+  }
+
+  // Throws away what the server tells its viewers, so that it does not pile up.
+  void drain() {
+    std::array<char, 65536> buffer;
+    while (socket_.available() > 0) socket_.read_some(asio::buffer(buffer));
+  }
+
+ private:
+  asio::io_context io_;
+  tcp::socket socket_;
+};
+
+// What the robot is, wherever the knowledge comes from.
+struct Place {
+  MotionPoint torso;
+  double heading = 0;
+};
+
+// The player's code with the decision taken out: each cycle does one motion.
+class MotionPlayer : public OurPlayer {
+ public:
+  // One cycle of the motion; true once it is complete, for motions that have an end.
+  using Motion = std::function<bool(MotionPlayer&)>;
+
+  MotionPlayer(int argc, char** argv, Trainer* trainer) : OurPlayer(argc, argv), trainer_(trainer) {
+    publish();
+  }
+
+  void shakeHands() {
+    initConnection();
+    sendRsg();
+    sendInit();
+    for (int i = 0; i < kBeams; ++i) sendBeam();
+  }
+
+  // One cycle of the server: takes its message, lets `act` command the joints, answers.
+  void turnCycle(const std::function<void()>& act) {
+    if (!connection->getMessage(msg)) throw std::runtime_error("the server has gone");
+    WM->update(msg);
+    readTruth();
+    bControl.adjustJoints();
+    act();
+    bControl.makeCommand(command);
+    command->setFinal();
+    connection->sendMessage(command->getFinal());
+    command->clear();
+    if (trainer_ != nullptr) trainer_->drain();
+  }
+
+  void rest(int cycles) {
+    for (int i = 0; i < cycles; ++i) turnCycle([&] { setAll(0, 50, 3); });
+  }
+
+  // Rests until `there` holds; false if it does not come to that.
+  bool restUntil(const std::function<bool()>& there) {
+    for (int i = 0; i < kPatience; ++i) {
+      if (there()) return true;
+      rest(1);
+    }
+    return false;
+  }
+
+  bool knowsTruth() const { return truth_.has_value(); }
+  const std::optional<MotionPoint>& ball() const { return ball_; }
+
+  Place place() const {
+    if (truth_) return *truth_;
+    const Vector believed = WM->getAgentPosition();
+    return {{believed.x, believed.y, 0}, believedHeading()};
+  }
+
+  double tilt() const {
+    const double up = WM->mySelf->getGyroRotation().get(2, 2);
+    return std::acos(std::min(1.0, std::max(-1.0, up))) / kDegree;
+  }
+
+  MotionSample sample(int cycle, bool withFigure) {
+    MotionSample s;
+    s.cycle = cycle;
+    const Place here = place();
+    s.torso = here.torso;
+    s.heading = here.heading;
+    s.tilt = tilt();
+    s.ball = ball_;
+    if (withFigure) {
+      s.figure = figure();
+      // Without the truth, the figure stands on its lowest point.
+      if (!truth_) s.torso.z = -lowest(*s.figure);
+    }
+    return s;
+  }
+
+ private:
+  double believedHeading() const {
+    const Matrix<4, 4>& gyro = WM->mySelf->getGyroRotation();
+    return std::atan2(gyro.get(1, 0), gyro.get(0, 0)) / kDegree;
+  }
+
+  // The server tells where the head is and where it looks; the torso follows from the neck, with
+  // the orientation that the gyro gives.
+  void readTruth() {
+    const auto head = readTerm(msg, "mypos", 3);
+    const auto front = readTerm(msg, "myorien", 1);
+    const auto at = readTerm(msg, "ballpos", 3);
+    if (at) ball_ = MotionPoint{(*at)[0], (*at)[1], (*at)[2]};
+    if (!head) return;
+    const double pan = WM->getHeadJoint(1)->getAngle();
+    // The camera's direction tells nothing once the robot lies; the gyro still does.
+    const double heading =
+        front && tilt() < kUprightTilt ? wrapDegrees((*front)[0] - pan) : believedHeading();
+    const MotionPoint up = upright({0, 0, kHeadAboveTorso});
+    const double c = std::cos(heading * kDegree);
+    const double s = std::sin(heading * kDegree);
+    truth_ = Place{
+        {(*head)[0] - (up.x * c - up.y * s), (*head)[1] - (up.x * s + up.y * c), (*head)[2] - up.z},
+        heading};
+  }
+
+  // A point of the torso's frame, with the torso's tilt and without its heading.
+  MotionPoint upright(const MotionPoint& p) const {
+    const Matrix<4, 4>& gyro = WM->mySelf->getGyroRotation();
+    const double heading = believedHeading() * kDegree;
+    const double c = std::cos(heading);
+    const double s = std::sin(heading);
+    double r[3];
+    for (int i = 0; i < 3; ++i) {
+      r[i] = gyro.get(i, 0) * p.x + gyro.get(i, 1) * p.y + gyro.get(i, 2) * p.z;
+    }
+    return {r[0] * c + r[1] * s, -r[0] * s + r[1] * c, r[2]};
+  }
+
+  MotionPoint upright(const Matrix<4, 4>& position) const {
+    return upright({position.get(0, 3), position.get(1, 3), position.get(2, 3)});
+  }
+
+  StickFigure figure() {
+    findCOM();  // brings fwd to the sensed pose
+    StickFigure f;
+    f.head = upright(fwd.headCenter);
+    for (int side : {0, 1}) {
+      const bool right = side == 1;
+      // The upper arm hangs from a point 98 mm beside the torso and 75 mm above its centre.
+      f.arm[side][0] = upright({0, right ? -0.098 : 0.098, 0.075});
+      f.arm[side][1] = upright(right ? fwd.rightUpArm : fwd.leftUpArm);
+      f.arm[side][2] = upright(right ? fwd.rightHand : fwd.leftHand);
+      const Matrix<4, 4>& knee = right ? fwd.rightKnee : fwd.leftKnee;
+      const Matrix<4, 4>& ankle = right ? fwd.rightankle : fwd.leftankle;
+      const Matrix<4, 4>& sole = right ? fwd.rightLeg : fwd.leftLeg;
+      f.leg[side][0] = upright(right ? fwd.rightthigh : fwd.leftthigh);
+      f.leg[side][1] = upright(knee);
+      f.leg[side][2] = upright(ankle);
+      // The foot: a line through the sole, square to the line from the ankle to it.
+      const double dx = sole.get(0, 3) - ankle.get(0, 3);
+      const double dz = sole.get(2, 3) - ankle.get(2, 3);
+      const double length = std::max(1e-6, std::hypot(dx, dz));
+      const auto along = [&](double distance) {
+        return upright({sole.get(0, 3) - dz / length * distance, sole.get(1, 3),
+                        sole.get(2, 3) + dx / length * distance});
+      };
+      f.leg[side][3] = along(-0.05);
+      f.leg[side][4] = along(0.11);
+    }
+    return f;
+  }
+
+  static double lowest(const StickFigure& f) {
+    double z = f.head.z;
+    for (int side : {0, 1}) {
+      for (const MotionPoint& p : f.arm[side]) z = std::min(z, p.z);
+      for (const MotionPoint& p : f.leg[side]) z = std::min(z, p.z);
+    }
+    return z;
+  }
+
+  // The head's centre in the torso's frame, metres: 90 mm to the neck and 65 mm on.
+  static constexpr double kHeadAboveTorso = 0.155;
+
+  Trainer* trainer_;
+  std::optional<Place> truth_;
+  std::optional<MotionPoint> ball_;
+};
+
+// A motion by name: what it needs before, what it does each cycle.
+struct MotionKind {
+  const char* name;
+  const char* help;
+  enum class Start { kStanding, kBallAtFoot, kBallAhead, kOnTheFront, kOnTheBack } start;
+  MotionPlayer::Motion step;
+};
+
+Vector ahead(const Place& start, double angle, double distance) {
+  const double bearing = (start.heading + angle) * kDegree;
+  return Vector(static_cast<float>(start.torso.x + distance * std::cos(bearing)),
+                static_cast<float>(start.torso.y + distance * std::sin(bearing)), 0);
+}
+
+// All motions. `start` holds the place from which the run begins, once it has begun.
+std::vector<MotionKind> allMotions(const Options& options, const Place& start) {
+  using Start = MotionKind::Start;
+  // A gait goes on for as long as it is asked for; everything else ends with its true result.
+  const auto gait = [](auto request) {
+    return [request](MotionPlayer& p) {
+      p.actions->ChangeAction(request(*p.walk));
+      p.setAllHead(0, 50, 1);
+      return false;
+    };
+  };
+  const auto stance = [](int state) {
+    return [state](MotionPlayer& p) { return p.reset->execute(state, 10, 5)->init(); };
+  };
+  const auto kick = [](auto request) {
+    return [request](MotionPlayer& p) { return p.actions->ChangeAction(request(*p.kick)); };
+  };
+  const auto dive = [](int side) {
+    return [side](MotionPlayer& p) {
+      return p.actions->ChangeAction(p.dive->execute(side, 50, true));
+    };
+  };
+  const float speed = static_cast<float>(options.speed);
+  const auto far = [&start](double angle) { return ahead(start, angle, 30); };
+  return {
+      {"reset", "the neutral stance, by a request", Start::kStanding,
+       [](MotionPlayer& p) { return p.actions->ChangeAction(p.reset->execute(1, 10, 5)); }},
+      {"stance0", "the fixed stance", Start::kStanding, stance(0)},
+      {"stance2", "the stance with the torso of the back gait", Start::kStanding, stance(2)},
+      {"stance3", "the stance of the forward gait", Start::kStanding, stance(3)},
+      {"forwalk", "the plain forward gait", Start::kStanding,
+       gait([](Walk& w) { return w.forWalk(1, 60, true, true); })},
+      {"backwalk", "the plain back gait", Start::kStanding,
+       gait([](Walk& w) { return w.backWalk(-1, 1); })},
+      {"side-left", "the side gait with gain +1", Start::kStanding,
+       gait([](Walk& w) { return w.sideWalk(1); })},
+      {"side-right", "the side gait with gain -1", Start::kStanding,
+       gait([](Walk& w) { return w.sideWalk(-1); })},
+      {"omni", "the omnidirectional gait, straight ahead, at --speed", Start::kStanding,
+       gait([=](Walk& w) { return w.omniWalk(far(0), speed, 10, 0); })},
+      {"omni-long", "its long-stride variant, at --speed", Start::kStanding,
+       gait([=](Walk& w) { return w.omniWalk(far(0), speed, 10, 1); })},
+      {"omni-curve", "the omnidirectional gait to a point at --angle", Start::kStanding,
+       gait([=](Walk& w) { return w.omniWalk(far(options.angle), speed, 10, 0); })},
+      {"omni-back", "the omni back gait, at --speed", Start::kStanding,
+       gait([=](Walk& w) { return w.omniBackWalk(far(180), 10, speed); })},
+      {"omni-left", "the omni side gait to the left", Start::kStanding,
+       gait([=](Walk& w) { return w.omniSideWalk(far(90), 10); })},
+      {"omni-right", "the omni side gait to the right", Start::kStanding,
+       gait([=](Walk& w) { return w.omniSideWalk(far(-90), 10); })},
+      {"turn", "turning towards a point at --angle", Start::kStanding,
+       [=](MotionPlayer& p) {
+         p.setAllHead(0, 50, 1);
+         const bool fresh = p.actions->NowAction.actionType != AT_TURN;
+         // The first call of a turn counts as done, as the request's parameters are reset by it.
+         return p.actions->ChangeAction(p.turn->execute(far(options.angle), 5, 0)) && !fresh;
+       }},
+      {"around-ball", "turning around a ball 0.22 m ahead until a point at --angle is ahead",
+       Start::kBallAhead,
+       [=](MotionPlayer& p) {
+         p.setAllHead(0, 50, 1);
+         return p.actions->ChangeAction(p.turnAroundBall->execute(far(options.angle), 5));
+       }},
+      {"kick", "the kick in play of this robot type, right foot", Start::kBallAtFoot,
+       kick([](Kick& k) { return k.execute(true); })},
+      {"kick-right", "the kick in daily use, right foot", Start::kBallAtFoot,
+       kick([](Kick& k) { return k.unstable(true); })},
+      {"kick-left", "the same with the left foot", Start::kBallAtFoot,
+       kick([](Kick& k) { return k.unstable(false); })},
+      {"kick-strong", "the stronger right kick", Start::kBallAtFoot,
+       kick([](Kick& k) { return k.unstable1(true); })},
+      {"stand-up-front", "standing up from the front", Start::kOnTheFront,
+       [](MotionPlayer& p) { return p.actions->ChangeAction(p.standUp->front()); }},
+      {"stand-up-back", "standing up from the back", Start::kOnTheBack,
+       [](MotionPlayer& p) { return p.actions->ChangeAction(p.standUp->back()); }},
+      {"flip", "rolling from the front on to the back", Start::kOnTheFront,
+       [](MotionPlayer& p) { return p.actions->ChangeAction(p.standUp->flip()); }},
+      {"dive-front", "the front dive with spread legs", Start::kStanding, dive(0)},
+      {"dive-left", "the dive with -1", Start::kStanding, dive(-1)},
+      {"dive-right", "the dive with +1", Start::kStanding, dive(1)},
+      {"dive-block", "the short block", Start::kStanding, dive(2)},
+      {"head", "the sweep of the head in the neutral stance", Start::kStanding,
+       [](MotionPlayer& p) {
+         p.reset->execute(1, 10, 5)->init();
+         p.seeBall->SeeAll();
+         return false;
+       }},
+  };
+}
+
+std::string text(double value) {
+  char buffer[32];
+  std::snprintf(buffer, sizeof(buffer), "%.3f", value);
+  return buffer;
+}
+
+// A ball at rest on the ground.
+std::string ballAt(double x, double y) {
+  return "(ball (pos " + text(x) + " " + text(y) + " 0.042)(vel 0 0 0))";
+}
+
+class Run {
+ public:
+  Run(const Options& options, MotionPlayer& player, Trainer* trainer)
+      : options_(options), player_(player), trainer_(trainer) {}
+
+  std::vector<MotionSample> operator()() {
+    player_.shakeHands();
+    const MotionKind motion = find();
+    comeToTheStart();
+    prepare(motion.start);
+    start_ = player_.place();
+    return drive(motion);
+  }
+
+ private:
+  MotionKind find() const {
+    for (const MotionKind& kind : allMotions(options_, start_)) {
+      if (options_.motion == kind.name) return kind;
+    }
+    throw std::runtime_error("there is no motion named " + options_.motion);
+  }
+
+  // Upright at the start of the run, facing the opponent's goal, with the game on: before the
+  // kick-off the player takes itself to face the goal whatever it does.
+  void comeToTheStart() {
+    if (trainer_ == nullptr) {
+      player_.rest(kSettle);
+      return;
+    }
+    trainer_->say(ballAt(kAwayX, kAwayY));
+    trainer_->say("(agent (unum " + std::to_string(options_.number) + ")(team Left)(move " +
+                  text(kStartX) + " " + text(kStartY) + " " + text(kStartZ) + " -90))");
+    player_.rest(kSettle);
+    trainer_->say("(playMode PlayOn)");
+    if (!player_.restUntil([&] { return player_.WM->playMode == PM_PLAY_ON; })) {
+      throw std::runtime_error("the server does not heed the trainer");
+    }
+    player_.rest(kSettle);
+  }
+
+  void prepare(MotionKind::Start start) {
+    switch (start) {
+      case MotionKind::Start::kStanding:
+        return;
+      case MotionKind::Start::kBallAhead:
+        return putBall(0.22, 0);
+      case MotionKind::Start::kBallAtFoot: {
+        const bool right = options_.motion != "kick-left";
+        return putBall(options_.ballAhead, right ? -options_.ballAside : options_.ballAside);
+      }
+      case MotionKind::Start::kOnTheFront:
+        return lieDown(FALL_FRONT);
+      case MotionKind::Start::kOnTheBack:
+        return lieDown(FALL_BACK);
+    }
+  }
+
+  // Metres ahead of the torso and to the left of it.
+  void putBall(double forward, double left) {
+    if (trainer_ == nullptr) return;
+    const Place here = player_.place();
+    const double c = std::cos(here.heading * kDegree);
+    const double s = std::sin(here.heading * kDegree);
+    const double x = here.torso.x + forward * c - left * s;
+    const double y = here.torso.y + forward * s + left * c;
+    trainer_->say(ballAt(x, y));
+    if (!player_.restUntil([&] {
+          const auto& ball = player_.ball();
+          return !ball || std::hypot(ball->x - x, ball->y - y) < 0.03;
+        })) {
+      throw std::runtime_error("the ball does not come to where the trainer wants it");
+    }
+    player_.rest(10);
+  }
+
+  // Tips the robot over with its ankles and lets it come to rest, straight.
+  void lieDown(FallOrientation side) {
+    const float ankle = side == FALL_FRONT ? -44 : 70;
+    const float hip = side == FALL_FRONT ? 20 : 0;
+    for (int i = 0; i < 400; ++i) {
+      player_.turnCycle([&] {
+        player_.setBothLeg(5, ankle, 100, 1);
+        player_.setBothLeg(3, hip, 100, 1);
+      });
+      if (player_.tilt() > 80) break;
+    }
+    player_.rest(100);
+    player_.WM->isFall();
+    if (player_.WM->fall != side) std::cerr << "motion: the robot does not lie as it should\n";
+  }
+
+  std::vector<MotionSample> drive(const MotionKind& motion) {
+    const int cycles = static_cast<int>(std::lround(options_.seconds * 50));
+    const int every = std::max(kFigureEvery, cycles / static_cast<int>(kMaxFigures) + 1);
+    std::vector<MotionSample> samples;
+    samples.push_back(player_.sample(0, true));
+    bool ended = false;
+    for (int cycle = 1; cycle <= cycles; ++cycle) {
+      player_.turnCycle([&] {
+        // A motion that is complete is held, not asked for again.
+        if (!ended) ended = motion.step(player_);
+      });
+      samples.push_back(player_.sample(cycle, cycle % every == 0));
+      samples.back().result = player_.actions->preAction;
+      samples.back().ended = ended;
+    }
+    return samples;
+  }
+
+  const Options& options_;
+  MotionPlayer& player_;
+  Trainer* trainer_;
+  Place start_;
+};
+
+void writeFile(const std::string& path, const std::string& content) {
+  std::ofstream out(path);
+  out << content;
+  if (!out) throw std::runtime_error("cannot write " + path);
+}
+
+void tell(const Options& options, bool truth, const MotionSummary& s) {
+  std::printf("%s, robot type %d, %.1f s (%s)\n", options.motion.c_str(), options.type, s.seconds,
+              truth ? "ground truth" : "as believed");
+  std::printf("  way      %.2f m: %+.2f m ahead, %+.2f m to the left\n", s.distance, s.forward,
+              s.left);
+  std::printf("  speed    %+.2f m/s ahead, %+.2f m/s to the left, %+.1f deg/s\n", s.forwardSpeed,
+              s.leftSpeed, s.turnRate);
+  std::printf("  turned   %+.1f deg\n", s.turned);
+  if (s.cyclesToEnd >= 0) std::printf("  complete after %d cycles\n", s.cyclesToEnd);
+  std::printf("  falls    %d", s.falls);
+  if (s.firstFall >= 0) std::printf(", the first after %.2f s", s.firstFall * 0.02);
+  std::printf("; tilted %.0f deg at the end\n", s.endTilt);
+  if (s.ballDistance > 0) {
+    std::printf("  ball     %.2f m away, at %+.1f deg\n", s.ballDistance, s.ballDirection);
+  }
+}
+
+void list(const Options& options) {
+  for (const MotionKind& kind : allMotions(options, Place())) {
+    std::printf("%-16s %s\n", kind.name, kind.help);
+  }
+}
+
+// The command line of the player's own start.
+std::unique_ptr<MotionPlayer> makePlayer(const Options& options, Trainer* trainer) {
+  std::vector<std::string> words = {"motion",
+                                    "--host",
+                                    options.host,
+                                    "--player-port",
+                                    std::to_string(options.agentPort),
+                                    "--team",
+                                    kTeam,
+                                    "--number",
+                                    std::to_string(options.number),
+                                    "--type",
+                                    std::to_string(options.type)};
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  return std::make_unique<MotionPlayer>(static_cast<int>(argv.size()), argv.data(), trainer);
+}
+
+void run(const Options& options) {
+  std::unique_ptr<Trainer> trainer;
+  if (options.trainerPort != 0) {
+    trainer = std::make_unique<Trainer>(options.host, options.trainerPort);
+  }
+  const auto player = makePlayer(options, trainer.get());
+  // Kicks, stand-ups and dives print their own lines; they must not mix with the report.
+  std::cout.setstate(std::ios_base::failbit);
+  const std::vector<MotionSample> samples = Run(options, *player, trainer.get())();
+  std::cout.clear();
+
+  const bool truth = player->knowsTruth();
+  const MotionSummary summary =
+      summarize(samples, static_cast<int>(std::lround(options.lead * 50)));
+  if (options.csv) {
+    std::cout << summaryHeader()
+              << summaryLine(options.motion, options.type, options.label, truth, summary);
+  } else {
+    tell(options, truth, summary);
+  }
+  if (!options.trace.empty()) writeFile(options.trace, traceCsv(samples));
+  if (!options.svg.empty()) {
+    char subtitle[160];
+    std::snprintf(subtitle, sizeof(subtitle),
+                  "robot type %d, %.1f s, %+.2f m/s ahead, %+.2f m/s to the left, %+.1f deg/s, "
+                  "%d falls",
+                  options.type, summary.seconds, summary.forwardSpeed, summary.leftSpeed,
+                  summary.turnRate, summary.falls);
+    writeFile(options.svg, motionPicture(samples, options.motion, subtitle));
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app(
+      "Drives one motion of the player's own code, as a single robot against a running server, and "
+      "reports how far, how fast and how steadily it went. Reads the configuration from "
+      "\"./Configs/\", as the player does. With a server that tells the ground truth the report "
+      "goes by it, otherwise by what the player believes.");
+  app.add_option("motion", options.motion, "What to do; --list names them all");
+  app.add_flag("--list", options.list, "List the motions and end");
+  app.add_option("--host", options.host, "The server")->capture_default_str();
+  app.add_option("--agent-port", options.agentPort, "Its port for players")->capture_default_str();
+  app.add_option("--trainer-port", options.trainerPort,
+                 "Its port for trainers, which places robot and ball and starts the game; 0: do "
+                 "without")
+      ->capture_default_str();
+  app.add_option("--type", options.type, "Robot type")
+      ->check(CLI::Range(0, 4))
+      ->capture_default_str();
+  app.add_option("--number", options.number, "Uniform number")
+      ->check(CLI::Range(1, 11))
+      ->capture_default_str();
+  app.add_option("--seconds", options.seconds, "How long to go on, seconds of play")
+      ->check(CLI::Range(0.02, 600.0))
+      ->capture_default_str();
+  app.add_option("--lead", options.lead,
+                 "Seconds at the start that the speeds leave out: the stance and the ramp")
+      ->check(CLI::Range(0.0, 600.0))
+      ->capture_default_str();
+  app.add_option("--angle", options.angle, "Bearing of the target of turns and curves, degrees")
+      ->check(CLI::Range(-180.0, 180.0))
+      ->capture_default_str();
+  app.add_option("--speed", options.speed, "Where the ramp of the omni gaits stops")
+      ->check(CLI::Range(0.0, 2.0))
+      ->capture_default_str();
+  app.add_option("--ball-ahead", options.ballAhead, "Kicks: the ball ahead of the torso, metres")
+      ->capture_default_str();
+  app.add_option("--ball-aside", options.ballAside,
+                 "Kicks: the ball to the kicking side of the torso, metres")
+      ->capture_default_str();
+  app.add_option("--label", options.label, "A word for the column `label`")->capture_default_str();
+  app.add_flag("--csv", options.csv, "Report as one line of values under one of names");
+  app.add_option("--trace", options.trace, "Write each cycle to this file, as CSV");
+  app.add_option("--svg", options.svg, "Draw the motion to this file");
+  CLI11_PARSE(app, argc, argv);
+
+  if (options.list) {
+    list(options);
+    return 0;
+  }
+  if (options.motion.empty()) {
+    std::cerr << "motion: name a motion; --list names them all\n";
+    return 1;
+  }
+  try {
+    run(options);
+  } catch (const std::exception& error) {
+    std::cerr << "motion: " << error.what() << '\n';
+    return 1;
+  }
+  return 0;
+}

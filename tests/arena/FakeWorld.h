@@ -41,8 +41,9 @@ class FakeWorld : public RefereeWorld {
   }
   // Adds a collider whose centre lies at this place of the torso frame.
   void addCollider(RobotHandle robot, Body body, const Eigen::Vector3d& offset,
-                   const Eigen::Vector3d& halfSize) {
-    extra_[robot].push_back({body, offset, halfSize});
+                   const Eigen::Vector3d& halfSize,
+                   const Eigen::Matrix3d& turn = Eigen::Matrix3d::Identity()) {
+    extra_[robot].push_back({body, offset, halfSize, turn});
   }
 
   RobotView& view(RobotHandle robot) {
@@ -88,6 +89,7 @@ class FakeWorld : public RefereeWorld {
       for (const Extra& collider : extra->second) {
         Eigen::Isometry3d pose = view.torso;
         pose.translation() = view.torso * collider.offset;
+        pose.linear() = view.torso.linear() * collider.turn;
         colliders_.push_back({collider.body, true, pose, collider.halfSize});
       }
     }
@@ -138,6 +140,7 @@ class FakeWorld : public RefereeWorld {
     Body body;
     Eigen::Vector3d offset;
     Eigen::Vector3d halfSize;
+    Eigen::Matrix3d turn;
   };
   std::vector<RobotView> views_;
   std::map<RobotHandle, std::vector<Extra>> extra_;

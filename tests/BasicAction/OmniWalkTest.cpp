@@ -343,6 +343,23 @@ TEST_F(OmniWalkTest, AStateThatItDoesNotKnowDoesNothing) {
   EXPECT_EQ(gait.basicWalkState, 7);
 }
 
+TEST_F(OmniWalkTest, AnUnwindingStepIsChosenInPhaseZeroOnly) {
+  gait.rotSide = true;
+  for (int choice : {30, 40}) {
+    gait.side = choice == 40;
+    gait.otherside = choice == 30;
+    gait.basicWalkState = choice;
+    gait.state = 2;
+    body.nextCycle();
+    EXPECT_FALSE(gait.execute());
+    EXPECT_EQ(gait.basicWalkState, choice);
+    gait.state = 0;
+    body.nextCycle();
+    EXPECT_TRUE(gait.execute());
+    EXPECT_EQ(gait.basicWalkState, choice == 30 ? 4 : 6);
+  }
+}
+
 // The ten doubles that the arbiter clears after an end step stand first, in this order.
 TEST_F(OmniWalkTest, ItsFirstTenDoublesAreYawTorsoAndThreeStrides) {
   const auto* start = reinterpret_cast<const char*>(&gait.RotZ);

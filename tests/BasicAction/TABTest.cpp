@@ -132,6 +132,29 @@ TEST_F(TABTest, DirectionAndLegsFollowTheSignOfTheBearingInEveryCycle) {
   }
 }
 
+// execute has chosen the same just before; the head does it once more, from the angle left to it.
+TEST_F(TABTest, TheHeadOfBasicWalkChoosesDirectionAndRotatingLegToo) {
+  for (double left : {5.0, -5.0, 0.0}) {
+    tab.angle = left;
+    tab.Gain = 7;
+    tab.side = true;
+    tab.otherside = false;
+    tab.rotSide = false;
+    tab.rotOtherSide = true;
+    tab.basicWalkState = 7;
+    EXPECT_FALSE(tab.basicWalk(pointAt(60), 10));
+    EXPECT_EQ(tab.Gain, left > 0 ? 1 : left < 0 ? -1 : 7);
+    EXPECT_EQ(tab.rotSide, left != 0);
+    EXPECT_EQ(tab.rotOtherSide, left == 0);
+    EXPECT_NEAR(tab.angle, 60, 1e-4);
+  }
+  tab.OWalk = false;
+  tab.angle = 5;
+  tab.Gain = 7;
+  tab.basicWalk(pointAt(60), 10);
+  EXPECT_EQ(tab.Gain, 7);
+}
+
 TEST_F(TABTest, EndsOnlyAtADecisionForTheRotatingLegAndKeepsTheStepArrays) {
   start();
   expect({2, kRight, kLeft, 0, -1, kSpeed, false, 3});

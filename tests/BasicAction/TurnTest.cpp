@@ -306,6 +306,18 @@ TEST_F(TurnTest, ResetGivesTheValuesOfConstruction) {
   expectFresh(turn);
 }
 
+TEST_F(TurnTest, AnUnwindingStepIsChosenInPhaseZeroOnly) {
+  for (int choice : {30, 40}) {
+    request(choice == 30 ? 60 : -60);
+    turn.rotSide = kLeft;  // the right leg steps next, in either state
+    turn.basicTurnState = choice;
+    turn.state = 2;
+    expectRestingCycle(false, choice);
+    turn.state = 0;
+    expectRestingCycle(false, choice == 30 ? 4 : 6);
+  }
+}
+
 // A slip of the reset; the opening step loads all three lists again before it uses them.
 TEST_F(TurnTest, ResetCopiesTheLiftIntoYawAndStride) {
   start();

@@ -28,6 +28,10 @@ class AddrImpl {
 
   bool setHost(const std::string& host) {
     if (!m_handler.valid() || host.empty()) return fail(EPERM);
+    return resolve(host);
+  }
+
+  bool resolve(const std::string& host) {
     const hostent* const entry = gethostbyname(host.c_str());
     if (entry == nullptr || entry->h_addrtype != AF_INET || entry->h_addr_list[0] == nullptr) {
       m_error = h_errno;
@@ -71,7 +75,7 @@ Addr::Addr(PortType port, HostType host) : m_impl(new AddrImpl(makeAddr(port, ho
 Addr::Addr(const AddrType& addr) : m_impl(new AddrImpl(addr)) {}
 
 Addr::Addr(PortType port, const std::string& host) : m_impl(new AddrImpl(makeAddr(port, ANY))) {
-  if (!setHost(host)) throw HostNotFound(m_impl->m_error);
+  if (!m_impl->resolve(host)) throw HostNotFound(h_errno);
 }
 
 void Addr::setPort(PortType port) {

@@ -13,5 +13,6 @@ void Timer::resetCycle(long newCycle) {
 
 long Timer::millisecondsBetween(const timeval& from, const timeval& to) {
   const long wholeSeconds = (to.tv_sec - from.tv_sec) * 1000;
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): a clock runs forward, so nothing is negative here
   return static_cast<long>((to.tv_usec - from.tv_usec) / 1000.0 + wholeSeconds + 0.5);
 }

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -61,12 +60,13 @@ int floorOf(const std::string& path) {
 
 /// What a source file includes between quotation marks.
 std::vector<std::string> includesOf(const fs::path& file) {
-  static const std::regex kInclude(R"(^\s*#\s*include\s*"([^"]+)\".*)");
+  const std::string directive = "#include \"";
   std::vector<std::string> result;
   std::ifstream in(file);
-  std::smatch match;
   for (std::string line; std::getline(in, line);) {
-    if (std::regex_match(line, match, kInclude)) result.push_back(match[1]);
+    if (!line.starts_with(directive)) continue;
+    line.erase(0, directive.size());
+    result.push_back(line.substr(0, line.find('"')));
   }
   return result;
 }

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
-#include <regex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -79,10 +79,17 @@ std::string percepts(int index) {
   return text;
 }
 
-/// Whether `message` starts with the terms of the 24 hinge slots.
+/// Whether `message` starts with the terms of the 24 hinge slots, each a name and a number.
 bool hasHingeTerms(const std::string& message) {
-  static const std::regex kTerms(R"(^(\([a-z0-9]+ [-+0-9.e]+\)){24})");
-  return std::regex_search(message, kTerms);
+  std::istringstream in(message);
+  for (int i = 0; i < 24; ++i) {
+    char open = 0;
+    char close = 0;
+    std::string name;
+    double speed = 0;
+    if (!(in >> open >> name >> speed >> close) || open != '(' || close != ')') return false;
+  }
+  return true;
 }
 
 std::string usage() {
@@ -437,6 +444,18 @@ TEST_F(WireTest, UnclosedSectionHeaderAborts) {
   directory.write("Configs/Extra.conf", "[Public\n");
   start();
   expectAbort("Assertion `line[ve] == ']'' failed");
+}
+
+TEST_F(WireTest, LineWithoutAKeyAborts) {
+  directory.write("Configs/Extra.conf", "= 1\n");
+  start();
+  expectAbort("Assertion `name != \"\"' failed");
+}
+
+TEST_F(WireTest, BackupOfAFileThatIsGoneAborts) {
+  directory.write("Configs/Extra.conf.bak", "a = 1\n");
+  start();
+  expectAbort("Assertion `fin' failed");
 }
 
 TEST_F(WireTest, KeyWithoutAValueEndsTheProcess) {

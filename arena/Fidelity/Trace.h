@@ -28,6 +28,7 @@ struct TraceRow {
   Eigen::Vector3d accelerometer = Eigen::Vector3d::Zero();
   std::array<std::optional<Foot>, 2> feet;  // right, left; empty: no term in the percept
   std::optional<Truth> truth;
+  bool fallen = false;  // replayed rows alone: a part other than the feet is at the ground
 };
 
 // What a trainer did a moment before the first row.

@@ -9,8 +9,9 @@
 
 namespace arena {
 
-// Gives a fresh physics world the commands of a recording, from the same start, and returns what it
-// senses: as many rows as the recording has, with the recording's times and commands.
+// Plays a match of one agent that gives the answers of a recording, from the same start, and
+// returns what it senses: as many rows as the recording has, with the recording's times and
+// commands.
 std::vector<TraceRow> replayTrace(const Trace& trace);
 
 // How far a replay is from its recording. Root mean squares over the compared rows; of several
@@ -26,6 +27,10 @@ struct TraceDifference {
   double angle_max = 0.0;      // degrees, largest single difference
   double torso_max = 0.0;      // m
 };
+
+// The first row in which a part other than the feet is at the ground; the number of rows if none
+// is.
+std::size_t firstFallContact(const std::vector<TraceRow>& replayed);
 
 // Compares rows 0 to `end` - 1.
 TraceDifference compareTrace(const Trace& recorded, const std::vector<TraceRow>& replayed,

@@ -130,12 +130,14 @@ bool Referee::checkGoal() {
   for (const Side defender : kBothSides) {
     const double sign = ownGoalSign(defender);
     bool inside = world_.goalSensorHit(defender);
-    // A fast ball may pass the sensor's face between two steps: look back along its way.
+    // A fast ball may pass the sensor between two steps: look back along its way to where all of
+    // it was just across the line.
     const double beyond = sign * ball.position.x() - kHalfLength;
     const double speed = sign * ball.velocity.x();
     if (!inside && beyond > kBallRadius && speed > 0 &&
         game_.time - ball_.lastInFieldTime() < kGoalLookBack) {
-      const Eigen::Vector3d crossing = ball.position - ball.velocity * (beyond / speed);
+      const double past = beyond - kBallRadius;
+      const Eigen::Vector3d crossing = ball.position - ball.velocity * (past / speed);
       inside = std::abs(crossing.y()) < kGoalWidth / 2 && crossing.z() < kGoalHeight;
     }
     if (!inside) continue;

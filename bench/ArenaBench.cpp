@@ -1,0 +1,102 @@
+// Processor time of the arena per 20 ms cycle and simulated seconds per second, without network:
+// robots that stand, robots that throw all their joints about, and the physics library's share.
+
+#include <benchmark/benchmark.h>
+
+#include <charconv>
+#include <string>
+#include <vector>
+
+#include "Fidelity/Trace.h"
+#include "Match/Match.h"
+
+namespace {
+
+constexpr char kLoad[] = QUOLNARIS_SOURCE_DIR "/tests/data/traces/flail_type0.csv.gz";
+constexpr int kWarmUpCycles = 100;
+
+// The recorded answers as messages, one per cycle.
+const std::vector<std::string>& movingMessages() {
+  static const std::vector<std::string> messages = [] {
+    const arena::Trace trace = arena::readTrace(kLoad);
+    const auto& joints = arena::robotModel(trace.type).joints;
+    std::vector<std::string> result;
+    for (const arena::TraceRow& row : trace.rows) {
+      std::string& message = result.emplace_back();
+      for (std::size_t i = 0; i < joints.size(); ++i) {
+        if (!row.command[i]) continue;
+        message += '(' + joints[i].effector + ' ' + std::to_string(*row.command[i]) + ')';
+      }
+      message += "(syn)";
+    }
+    return result;
+  }();
+  return messages;
+}
+
+// A match with `count` robots in two rows, in play.
+class Game {
+ public:
+  explicit Game(int count) : match_(arena::MatchOptions{}) {
+    for (int i = 0; i < count; ++i) join(i);
+    match_.referee().setMode(arena::PlayMode::PlayOn);
+  }
+
+  void cycle(const std::string& message) {
+    for (const auto agent : agents_) {
+      benchmark::DoNotOptimize(match_.percept(agent).size());
+      match_.receive(agent, message);
+    }
+    match_.step();
+  }
+
+ private:
+  void join(int i) {
+    const auto agent = match_.connect();
+    agents_.push_back(agent);
+    // Three types in a full team, as the rules want.
+    const int number = i / 2 + 1;
+    const int type = number <= 7 ? 0 : (number <= 9 ? 2 : 4);
+    match_.receive(agent, "(scene rsg/agent/nao/nao_hetero.rsg " + std::to_string(type) + ")");
+    match_.step();
+    match_.receive(agent, "(init (unum " + std::to_string(number) + ")(teamname " +
+                              (i % 2 == 0 ? "Alpha" : "Beta") + "))");
+    match_.step();
+    const int row = i / 2;
+    match_.receive(agent, "(beam " + std::to_string(-2.0 - row) + ' ' +
+                              std::to_string(i % 2 == 0 ? 5.0 : -5.0) + " 0)");
+    match_.step();
+  }
+
+  arena::Match match_;
+  std::vector<arena::Match::AgentId> agents_;
+};
+
+void play(benchmark::State& state, bool moving) {
+  Game game(static_cast<int>(state.range(0)));
+  const std::vector<std::string>& load = movingMessages();
+  std::size_t next = 0;
+  const auto message = [&]() -> const std::string& {
+    static const std::string nothing = "(syn)";
+    return moving ? load[next++ % load.size()] : nothing;
+  };
+  for (int i = 0; i < kWarmUpCycles; ++i) game.cycle(message());
+  for (auto _ : state) game.cycle(message());
+  state.counters["simulated_s_per_s"] = benchmark::Counter(
+      0.02 * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+}
+
+void standing(benchmark::State& state) {
+  play(state, false);
+}
+void moving(benchmark::State& state) {
+  play(state, true);
+}
+
+BENCHMARK(standing)->Arg(1)->Arg(11)->Arg(22)->Unit(benchmark::kMillisecond);
+// The whole recording several times, falls and wallowing included.
+BENCHMARK(moving)->Arg(1)->Arg(11)->Arg(22)->Unit(benchmark::kMillisecond)->Iterations(1000);
+
+}  // namespace
+
+BENCHMARK_MAIN();

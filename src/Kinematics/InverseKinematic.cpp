@@ -1,11 +1,9 @@
 #include "Kinematics/InverseKinematic.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <iostream>
 #include <string>
-#include <utility>
 
 #include "Kinematics/ForwardKinematic.h"
 #include "Kinematics/NAOKinematics.h"
@@ -14,8 +12,8 @@
 
 namespace {
 
-// The pi of the closed forms, in the solution and in the conversion to degrees alike. Coarse on
-// purpose: targets were tuned with it.
+// The pi of the closed forms, in the solution and in the conversion to degrees alike. Coarse, and
+// required as it stands.
 constexpr double pi = 3.1415;
 
 // Taken from the results after the conversion to degrees, although the size of the numbers suggests
@@ -133,7 +131,8 @@ void InverseKinematic::legSolverWith1(Vector torso, Vector ankle, double* theta,
 }
 
 bool InverseKinematic::legSolver(Vector torso, Vector ankle, double* theta, bool side,
-                                 std::vector<double> fll, double xRot, double yRot, double zRot) {
+                                 const std::vector<double>& fll, double xRot, double yRot,
+                                 double zRot) {
   NAOKinematics chain;
   // The present pose of the leg takes no part in the answer.
   chain.filterForwardFromTo("Torso", side ? "RightLeg" : "LeftLeg", {}, fll);
@@ -156,6 +155,6 @@ bool InverseKinematic::legSolver(Vector torso, Vector ankle, double* theta, bool
 }
 
 bool InverseKinematic::legSolver(Vector torso, Vector ankle, double* theta, bool side,
-                                 std::vector<double> fll) {
-  return legSolver(torso, ankle, theta, side, std::move(fll), 0, 0, 0);
+                                 const std::vector<double>& fll) {
+  return legSolver(torso, ankle, theta, side, fll, 0, 0, 0);
 }

@@ -29,7 +29,8 @@ class InverseKinematic {
 
   // Closed form for a given hip yaw-pitch angle eng1 (degrees; goes unchanged into theta[1]), with
   // one correction step that takes out the residual pitch and roll of the foot. side is false for
-  // the left leg and true for the right one. Writes theta[0..6]; out of reach as in legSolver.
+  // the left leg and true for the right one. Writes theta[0..6]. Out of reach as in legSolver, and
+  // theta[6] is not-a-number too, as the correction knows no orientation then.
   // Prints a line of asterisks to standard output, and goes on, when the hip is not at least 0.1 mm
   // above the ankle in the frame of the turned leg.
   void legSolverWith1(Vector torso, Vector ankle, double* theta, bool side, double eng1);
@@ -39,11 +40,12 @@ class InverseKinematic {
   // radians and does not influence the answer. Returns false, with theta as it was, when the target
   // has no solution; otherwise writes theta[1..6] from the first solution and returns true.
   // theta[0] is never touched.
-  bool legSolver(Vector torso, Vector ankle, double* theta, bool side, std::vector<double> fll,
-                 double xRot, double yRot, double zRot);
+  bool legSolver(Vector torso, Vector ankle, double* theta, bool side,
+                 const std::vector<double>& fll, double xRot, double yRot, double zRot);
 
   // The chain form with all three rotations 0.
-  bool legSolver(Vector torso, Vector ankle, double* theta, bool side, std::vector<double> fll);
+  bool legSolver(Vector torso, Vector ankle, double* theta, bool side,
+                 const std::vector<double>& fll);
 };
 
 #endif  // QUOLNARIS_KINEMATICS_INVERSEKINEMATIC_H_

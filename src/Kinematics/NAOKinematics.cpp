@@ -348,7 +348,7 @@ void NAOKinematics::appendIfReached(const char* chain, std::span<const double> j
 // The legs. Names and steps follow the angles theta1 to theta6, which are theta[0] to theta[5]
 // here.
 
-NAOKinematics::Solutions NAOKinematics::inverseLeftLeg(kmatTable targetPoint) {
+NAOKinematics::Solutions NAOKinematics::inverseLeftLeg(const kmatTable& targetPoint) {
   return inverseLeg(targetPoint, {.chain = "LeftLeg",
                                   .baseInv = TBaseLLegInv,
                                   .endInv = TEndLLegInv,
@@ -360,7 +360,7 @@ NAOKinematics::Solutions NAOKinematics::inverseLeftLeg(kmatTable targetPoint) {
                                   .ankleRoll = {-1, 2}});
 }
 
-NAOKinematics::Solutions NAOKinematics::inverseRightLeg(kmatTable targetPoint) {
+NAOKinematics::Solutions NAOKinematics::inverseRightLeg(const kmatTable& targetPoint) {
   return inverseLeg(targetPoint, {.chain = "RightLeg",
                                   .baseInv = TBaseRLegInv,
                                   .endInv = TEndRLegInv,
@@ -386,8 +386,8 @@ NAOKinematics::Solutions NAOKinematics::inverseRightLeg(double px, double py, do
 
 NAOKinematics::Solutions NAOKinematics::inverseLeg(const kmatTable& targetPoint,
                                                    const LegSide& leg) {
-  T = targetPoint;
   Tinit = targetPoint;
+  T = Tinit;
 
   // The hip as seen from the foot, in the frame turned by the slanted yaw-pitch axis.
   base = leg.baseInv;
@@ -432,7 +432,7 @@ void NAOKinematics::solveAnklePitch(const LegSide& leg, LegJoints& theta, Soluti
   const double knee = theta[3];
   transformations::makeDHTransformation(T4i, -kThigh, 0, 0, knee);
   const double along = kShank + kThigh * std::cos(knee);
-  const double up = C.read(1, 0) * along + C.read(0, 0) * kThigh * std::sin(knee);
+  const double up = C(1) * along + C(0) * kThigh * std::sin(knee);
   const double down = square(along) + square(kThigh) * square(std::sin(knee));
 
   double theta5 = std::asin(-up / down);
@@ -493,7 +493,7 @@ void NAOKinematics::solveHipPitch(const LegSide& leg, LegJoints& theta, Solution
 
 // The arms.
 
-NAOKinematics::Solutions NAOKinematics::inverseLeftHand(kmatTable targetPoint) {
+NAOKinematics::Solutions NAOKinematics::inverseLeftHand(const kmatTable& targetPoint) {
   Tinit = targetPoint;
   return inverseHand(targetPoint, {.chain = "LeftHand",
                                    .sign = 1,
@@ -506,7 +506,7 @@ NAOKinematics::Solutions NAOKinematics::inverseLeftHand(kmatTable targetPoint) {
                                    .shoulderRoll = {-0.3142, 1.3265}});
 }
 
-NAOKinematics::Solutions NAOKinematics::inverseRightHand(kmatTable targetPoint) {
+NAOKinematics::Solutions NAOKinematics::inverseRightHand(const kmatTable& targetPoint) {
   // The turn of the hand is taken away here and once more by TEndAndRotRArmInv. Required as it
   // stands: reachable targets have no solution because of it.
   Tinit = targetPoint;
@@ -537,7 +537,7 @@ NAOKinematics::Solutions NAOKinematics::inverseRightHand(double px, double py, d
 NAOKinematics::Solutions NAOKinematics::inverseHand(const kmatTable& targetPoint,
                                                     const ArmSide& arm) {
   Solutions solutions;
-  const auto& end = targetPoint.B;
+  const auto end = targetPoint.get_translation();
   const double distance = length(end(0), end(1) - arm.sign * 113, end(2) - 100);
   const double bend = PI - std::acos((23952.690000000002 - square(distance)) / 23877);
   const double theta4 = -arm.sign * bend;
@@ -547,7 +547,7 @@ NAOKinematics::Solutions NAOKinematics::inverseHand(const kmatTable& targetPoint
   T = arm.baseInv;
   T.fast_mult(Tinit).fast_mult(arm.endAndRotInv).fast_invert();
   const auto shoulder = T.get_translation();
-  const double theta5 = -arm.sign * std::atan2(-shoulder.read(1, 0), shoulder.read(0, 0));
+  const double theta5 = -arm.sign * std::atan2(-shoulder(1), shoulder(0));
 
   // The arm without the wrist.
   transformations::makeDHTransformation(T5i, 0, -PI / 2, arm.sign * kLowerArm, -arm.sign * theta5);
@@ -612,7 +612,7 @@ void NAOKinematics::solveShoulderPitch(const ArmSide& arm, ArmJoints& theta, Sol
 
 // The head.
 
-NAOKinematics::Solutions NAOKinematics::inverseHead(kmatTable targetPoint, bool withAngles,
+NAOKinematics::Solutions NAOKinematics::inverseHead(const kmatTable& targetPoint, bool withAngles,
                                                     bool topCamera) {
   // Angle and length of the way from the neck's pitch axis to the camera.
   struct Camera {
@@ -630,19 +630,19 @@ NAOKinematics::Solutions NAOKinematics::inverseHead(kmatTable targetPoint, bool 
   if (withAngles) return solutions;
 
   const Camera& camera = topCamera ? kTop : kBottom;
-  const auto& target = targetPoint.B;
-  const double v = std::asin((126.5 - target.read(2, 0)) / camera.radius);
+  const auto target = targetPoint.get_translation();
+  const double v = std::asin((126.5 - target(2)) / camera.radius);
   for (const double p : {v - camera.angle, halfTurn(v) - v - camera.angle}) {
     if (!kHeadPitch.holds(p)) continue;
     const double w = camera.up * std::cos(p) - camera.forward * std::sin(p);
-    double headYaw = std::acos(target.read(0, 0) / w);
+    double headYaw = std::acos(target(0) / w);
     if (kNegatedYaw.holds(headYaw)) headYaw = -headYaw;
     std::vector<double> solution = {headYaw, p + PI / 2};
 
     const FKvars reached = filterForwardFromTo("Torso", camera.chain, {}, solution);
-    if (std::fabs(reached.pointX - target.read(0, 0)) <= kTolerance &&
-        std::fabs(reached.pointY - target.read(1, 0)) <= kTolerance &&
-        std::fabs(reached.pointZ - target.read(2, 0)) <= kTolerance) {
+    if (std::fabs(reached.pointX - target(0)) <= kTolerance &&
+        std::fabs(reached.pointY - target(1)) <= kTolerance &&
+        std::fabs(reached.pointZ - target(2)) <= kTolerance) {
       solutions.push_back(std::move(solution));
     }
   }

@@ -138,18 +138,18 @@ class NAOKinematics {
   // inverseRightHand gives no solution for targets that the arm can reach: it takes the turn of the
   // hand away twice. Required as it stands. A target whose rotation is no number may throw
   // SingularMatrixInvertionException.
-  Solutions inverseLeftLeg(kmatTable targetPoint);
+  Solutions inverseLeftLeg(const kmatTable& targetPoint);
   Solutions inverseLeftLeg(double px, double py, double pz, double rx, double ry, double rz);
-  Solutions inverseRightLeg(kmatTable targetPoint);
+  Solutions inverseRightLeg(const kmatTable& targetPoint);
   Solutions inverseRightLeg(double px, double py, double pz, double rx, double ry, double rz);
-  Solutions inverseLeftHand(kmatTable targetPoint);
+  Solutions inverseLeftHand(const kmatTable& targetPoint);
   Solutions inverseLeftHand(double px, double py, double pz, double rx, double ry, double rz);
-  Solutions inverseRightHand(kmatTable targetPoint);
+  Solutions inverseRightHand(const kmatTable& targetPoint);
   Solutions inverseRightHand(double px, double py, double pz, double rx, double ry, double rz);
 
   // Head joints that bring a camera to the target's position. withAngles asks for a solution by the
   // rotation instead, and gives none in any case. Required as it stands.
-  Solutions inverseHead(kmatTable targetPoint, bool withAngles, bool topCamera);
+  Solutions inverseHead(const kmatTable& targetPoint, bool withAngles, bool topCamera);
   Solutions inverseHead(double px, double py, double pz, double rx, double ry, double rz,
                         bool withAngles, bool topCamera);
 

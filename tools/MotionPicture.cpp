@@ -136,7 +136,10 @@ class PathSketch {
   explicit PathSketch(const std::vector<MotionSample>& samples) : samples_(samples) {
     for (const MotionSample& sample : samples) {
       bounds_.add(sample.torso);
-      if (sample.ball) bounds_.add(*sample.ball);
+    }
+    ballMoves_ = ballMoves();
+    for (const MotionSample& sample : samples) {
+      if (ballMoves_ && sample.ball) bounds_.add(*sample.ball);
     }
     bounds_.minX -= 0.4;
     bounds_.minY -= 0.4;
@@ -155,7 +158,9 @@ class PathSketch {
            "\" fill=\"#ecfdf5\" stroke=\"#a7f3d0\"/>\n";
     out += grid();
     out += polyline([](const MotionSample& s) { return &s.torso; }, kBodyColour);
-    out += polyline([](const MotionSample& s) { return s.ball ? &*s.ball : nullptr; }, "#d97706");
+    if (ballMoves_) {
+      out += polyline([](const MotionSample& s) { return s.ball ? &*s.ball : nullptr; }, "#d97706");
+    }
     for (const MotionSample& sample : samples_) {
       if (sample.cycle % 25 == 0) out += arrow(sample);
     }
@@ -163,6 +168,17 @@ class PathSketch {
   }
 
  private:
+  // A ball that lies still, wherever it lies, is no part of the picture.
+  bool ballMoves() const {
+    const MotionPoint* first = nullptr;
+    for (const MotionSample& sample : samples_) {
+      if (!sample.ball) continue;
+      if (first == nullptr) first = &*sample.ball;
+      if (std::hypot(sample.ball->x - first->x, sample.ball->y - first->y) > 0.05) return true;
+    }
+    return false;
+  }
+
   double px(double x) const { return (x - bounds_.minX) * scale_; }
   double py(double y) const { return (bounds_.maxY - y) * scale_; }
 
@@ -203,6 +219,7 @@ class PathSketch {
   const std::vector<MotionSample>& samples_;
   Bounds bounds_;
   double scale_;
+  bool ballMoves_;
 };
 
 }  // namespace

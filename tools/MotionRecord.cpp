@@ -121,6 +121,55 @@ MotionSummary summarize(const std::vector<MotionSample>& samples, int lead) {
   return summary;
 }
 
+void TorsoOrientation::setUpright(double heading) {
+  const double c = std::cos(heading * kDegree);
+  const double s = std::sin(heading * kDegree);
+  const double upright[3][3] = {{c, -s, 0}, {s, c, 0}, {0, 0, 1}};
+  std::copy(&upright[0][0], &upright[0][0] + 9, &r_[0][0]);
+  heading_ = heading;
+}
+
+void TorsoOrientation::turn(double x, double y, double z) {
+  const double rate = std::sqrt(x * x + y * y + z * z);
+  if (rate > 0) {
+    // The rotation by the cycle's angle about the axis of the rates (Rodrigues' formula).
+    const double angle = rate * kCycle * kDegree;
+    const double axis[3] = {x / rate, y / rate, z / rate};
+    const double c = std::cos(angle);
+    const double s = std::sin(angle);
+    const double cross[3][3] = {
+        {0, -axis[2], axis[1]}, {axis[2], 0, -axis[0]}, {-axis[1], axis[0], 0}};
+    double turned[3][3];
+    for (int i = 0; i < 3; ++i) {
+      for (int j = 0; j < 3; ++j) {
+        turned[i][j] = 0;
+        for (int k = 0; k < 3; ++k) {
+          const double q = (k == j ? c : 0) + s * cross[k][j] + (1 - c) * axis[k] * axis[j];
+          turned[i][j] += r_[i][k] * q;
+        }
+      }
+    }
+    std::copy(&turned[0][0], &turned[0][0] + 9, &r_[0][0]);
+  }
+  if (tilt() <= kLyingTilt) heading_ = std::atan2(r_[1][0], r_[0][0]) / kDegree;
+}
+
+MotionPoint TorsoOrientation::toPitch(const MotionPoint& p) const {
+  return {r_[0][0] * p.x + r_[0][1] * p.y + r_[0][2] * p.z,
+          r_[1][0] * p.x + r_[1][1] * p.y + r_[1][2] * p.z,
+          r_[2][0] * p.x + r_[2][1] * p.y + r_[2][2] * p.z};
+}
+
+MotionPoint TorsoOrientation::toUpright(const MotionPoint& p) const {
+  const MotionPoint q = toPitch(p);
+  const Along ahead = along(q.x, q.y, heading_);
+  return {ahead.forward, ahead.left, q.z};
+}
+
+double TorsoOrientation::tilt() const {
+  return std::acos(std::clamp(r_[2][2], -1.0, 1.0)) / kDegree;
+}
+
 std::optional<std::vector<double>> readTerm(std::string_view message, std::string_view name,
                                             std::size_t count) {
   const std::string head = "(" + std::string(name) + " ";
@@ -151,14 +200,15 @@ std::string traceCsv(const std::vector<MotionSample>& samples) {
 }
 
 std::string summaryHeader() {
-  return "motion,type,label,source,seconds,results,cycles_to_end,distance,forward,left,"
+  return "motion,type,seed,source,seconds,results,cycles_to_end,distance,forward,left,"
          "forward_speed,left_speed,turned,turn_rate,falls,first_fall,end_tilt,ball_distance,"
          "ball_direction\n";
 }
 
-std::string summaryLine(const std::string& motion, int type, const std::string& label, bool truth,
+std::string summaryLine(const std::string& motion, int type, unsigned seed, bool truth,
                         const MotionSummary& s) {
-  return motion + "," + std::to_string(type) + "," + label + "," + (truth ? "truth" : "belief") +
+  return motion + "," + std::to_string(type) + "," + std::to_string(seed) + "," +
+         (truth ? "truth" : "belief") +
          format(",%.2f,%d,%d,%.3f,%.3f,%.3f,%.3f,%.3f,%.1f,%.1f,%d,%d,%.1f,%.2f,%.1f\n", s.seconds,
                 s.results, s.cyclesToEnd, s.distance, s.forward, s.left, s.forwardSpeed,
                 s.leftSpeed, s.turned, s.turnRate, s.falls, s.firstFall, s.endTilt, s.ballDistance,

@@ -68,6 +68,32 @@ MotionSummary summarize(const std::vector<MotionSample>& samples, int lead);
 // Heading differences brought into -180 to 180.
 double wrapDegrees(double angle);
 
+// The torso's orientation, integrated from its turning rates. The player's own belief is no measure
+// here: it drops what it has integrated while it sees no line of the pitch.
+class TorsoOrientation {
+ public:
+  // Upright with this heading.
+  void setUpright(double heading);
+
+  // One cycle of turning at these rates about the torso's own axes (x forward, y left, z up),
+  // degrees per second.
+  void turn(double x, double y, double z);
+
+  // A point or direction of the torso's frame, with the axes of the pitch.
+  MotionPoint toPitch(const MotionPoint& p) const;
+  // The same with the robot's heading taken out: x ahead, y left, z up.
+  MotionPoint toUpright(const MotionPoint& p) const;
+
+  // Of the torso's up axis from the vertical, degrees.
+  double tilt() const;
+  // Degrees; a robot that lies points nowhere and keeps the heading of the time before.
+  double heading() const { return heading_; }
+
+ private:
+  double r_[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};  // torso to pitch
+  double heading_ = 0;
+};
+
 // Reads a term "(name a b ...)" of a percept message: its first numbers, as many as asked for.
 // Nothing if the term or a number is missing.
 std::optional<std::vector<double>> readTerm(std::string_view message, std::string_view name,
@@ -78,7 +104,7 @@ std::string traceCsv(const std::vector<MotionSample>& samples);
 
 // The columns of a summary, and one line of values; both end with a line end.
 std::string summaryHeader();
-std::string summaryLine(const std::string& motion, int type, const std::string& label, bool truth,
+std::string summaryLine(const std::string& motion, int type, unsigned seed, bool truth,
                         const MotionSummary& summary);
 
 #endif  // QUOLNARIS_TOOLS_MOTIONRECORD_H_

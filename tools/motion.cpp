@@ -12,6 +12,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -64,7 +65,8 @@ struct Options {
   double speed = 1;
   double ballAhead = 0.155;
   double ballAside = 0.04;
-  std::string label = "1";
+  double noise = 0;
+  std::uint32_t seed = 1;
   std::string trace;
   std::string svg;
   bool csv = false;
@@ -113,7 +115,8 @@ class MotionPlayer : public OurPlayer {
   // One cycle of the motion; true once it is complete, for motions that have an end.
   using Motion = std::function<bool(MotionPlayer&)>;
 
-  MotionPlayer(int argc, char** argv, Trainer* trainer) : OurPlayer(argc, argv), trainer_(trainer) {
+  MotionPlayer(int argc, char** argv, Trainer* trainer, double noise, std::uint32_t seed)
+      : OurPlayer(argc, argv), trainer_(trainer), random_(seed), noise_(noise) {
     publish();
   }
 
@@ -128,9 +131,11 @@ class MotionPlayer : public OurPlayer {
   void turnCycle(const std::function<void()>& act) {
     if (!connection->getMessage(msg)) throw std::runtime_error("the server has gone");
     WM->update(msg);
+    readOrientation();
     readTruth();
     bControl.adjustJoints();
     act();
+    disturb();
     bControl.makeCommand(command);
     command->setFinal();
     connection->sendMessage(command->getFinal());
@@ -155,15 +160,15 @@ class MotionPlayer : public OurPlayer {
   const std::optional<MotionPoint>& ball() const { return ball_; }
 
   Place place() const {
-    if (truth_) return *truth_;
+    if (truth_) return {*truth_, orientation_.heading()};
     const Vector believed = WM->getAgentPosition();
-    return {{believed.x, believed.y, 0}, believedHeading()};
+    return {{believed.x, believed.y, 0}, orientation_.heading()};
   }
 
-  double tilt() const {
-    const double up = WM->mySelf->getGyroRotation().get(2, 2);
-    return std::acos(std::min(1.0, std::max(-1.0, up))) / kDegree;
-  }
+  double tilt() const { return orientation_.tilt(); }
+
+  // To be said when the robot is known to stand and to look at the opponent's goal.
+  void standsUpright() { orientation_.setUpright(0); }
 
   MotionSample sample(int cycle, bool withFigure) {
     MotionSample s;
@@ -182,43 +187,38 @@ class MotionPlayer : public OurPlayer {
   }
 
  private:
-  double believedHeading() const {
-    const Matrix<4, 4>& gyro = WM->mySelf->getGyroRotation();
-    return std::atan2(gyro.get(1, 0), gyro.get(0, 0)) / kDegree;
-  }
-
-  // The server tells where the head is and where it looks; the torso follows from the neck, with
-  // the orientation that the gyro gives.
-  void readTruth() {
-    const auto head = readTerm(msg, "mypos", 3);
-    const auto front = readTerm(msg, "myorien", 1);
-    const auto at = readTerm(msg, "ballpos", 3);
-    if (at) ball_ = MotionPoint{(*at)[0], (*at)[1], (*at)[2]};
-    if (!head) return;
-    const double pan = WM->getHeadJoint(1)->getAngle();
-    // The camera's direction tells nothing once the robot lies; the gyro still does.
-    const double heading =
-        front && tilt() < kUprightTilt ? wrapDegrees((*front)[0] - pan) : believedHeading();
-    const MotionPoint up = upright({0, 0, kHeadAboveTorso});
-    const double c = std::cos(heading * kDegree);
-    const double s = std::sin(heading * kDegree);
-    truth_ = Place{
-        {(*head)[0] - (up.x * c - up.y * s), (*head)[1] - (up.x * s + up.y * c), (*head)[2] - up.z},
-        heading};
-  }
-
-  // A point of the torso's frame, with the torso's tilt and without its heading.
-  MotionPoint upright(const MotionPoint& p) const {
-    const Matrix<4, 4>& gyro = WM->mySelf->getGyroRotation();
-    const double heading = believedHeading() * kDegree;
-    const double c = std::cos(heading);
-    const double s = std::sin(heading);
-    double r[3];
-    for (int i = 0; i < 3; ++i) {
-      r[i] = gyro.get(i, 0) * p.x + gyro.get(i, 1) * p.y + gyro.get(i, 2) * p.z;
+  // Adds the joint error, with which no two runs are the same.
+  void disturb() {
+    if (noise_ == 0) return;
+    const auto shake = [this](JointController& joint) {
+      joint.Angle += static_cast<float>(noise_ * error_(random_));
+    };
+    for (int side : {0, 1}) {
+      for (JointController& joint : bControl.handController[side]) shake(joint);
+      for (JointController& joint : bControl.legController[side]) shake(joint);
     }
-    return {r[0] * c + r[1] * s, -r[0] * s + r[1] * c, r[2]};
+    for (JointController& joint : bControl.headController) shake(joint);
   }
+
+  // The sensor's x points to the right and its y ahead.
+  void readOrientation() {
+    if (const auto rates = readTerm(msg, "rt", 3)) {
+      orientation_.turn((*rates)[1], -(*rates)[0], (*rates)[2]);
+    }
+  }
+
+  // The server tells where the head is; the torso follows from the neck.
+  void readTruth() {
+    if (const auto at = readTerm(msg, "ballpos", 3)) {
+      ball_ = MotionPoint{(*at)[0], (*at)[1], (*at)[2]};
+    }
+    if (const auto head = readTerm(msg, "mypos", 3)) {
+      const MotionPoint neck = orientation_.toPitch({0, 0, kHeadAboveTorso});
+      truth_ = MotionPoint{(*head)[0] - neck.x, (*head)[1] - neck.y, (*head)[2] - neck.z};
+    }
+  }
+
+  MotionPoint upright(const MotionPoint& p) const { return orientation_.toUpright(p); }
 
   MotionPoint upright(const Matrix<4, 4>& position) const {
     return upright({position.get(0, 3), position.get(1, 3), position.get(2, 3)});
@@ -234,22 +234,20 @@ class MotionPlayer : public OurPlayer {
       f.arm[side][0] = upright({0, right ? -0.098 : 0.098, 0.075});
       f.arm[side][1] = upright(right ? fwd.rightUpArm : fwd.leftUpArm);
       f.arm[side][2] = upright(right ? fwd.rightHand : fwd.leftHand);
-      const Matrix<4, 4>& knee = right ? fwd.rightKnee : fwd.leftKnee;
-      const Matrix<4, 4>& ankle = right ? fwd.rightankle : fwd.leftankle;
-      const Matrix<4, 4>& sole = right ? fwd.rightLeg : fwd.leftLeg;
       f.leg[side][0] = upright(right ? fwd.rightthigh : fwd.leftthigh);
-      f.leg[side][1] = upright(knee);
+      f.leg[side][1] = upright(right ? fwd.rightKnee : fwd.leftKnee);
+      const Matrix<4, 4>& ankle = right ? fwd.rightankle : fwd.leftankle;
       f.leg[side][2] = upright(ankle);
-      // The foot: a line through the sole, square to the line from the ankle to it.
-      const double dx = sole.get(0, 3) - ankle.get(0, 3);
-      const double dz = sole.get(2, 3) - ankle.get(2, 3);
-      const double length = std::max(1e-6, std::hypot(dx, dz));
-      const auto along = [&](double distance) {
-        return upright({sole.get(0, 3) - dz / length * distance, sole.get(1, 3),
-                        sole.get(2, 3) + dx / length * distance});
+      // Heel and toe: on the sole, tipped by the sum of the leg's pitches; roll and yaw are small.
+      double toeUp = 0;
+      for (int joint : {3, 4, 5}) toeUp += WM->getLegJoint(joint, side)->getAngle() * kDegree;
+      const auto onSole = [&](double ahead) {
+        return upright({ankle.get(0, 3) + ahead * std::cos(toeUp) + kSole * std::sin(toeUp),
+                        ankle.get(1, 3),
+                        ankle.get(2, 3) + ahead * std::sin(toeUp) - kSole * std::cos(toeUp)});
       };
-      f.leg[side][3] = along(-0.05);
-      f.leg[side][4] = along(0.11);
+      f.leg[side][3] = onSole(-kHeel);
+      f.leg[side][4] = onSole(kToe);
     }
     return f;
   }
@@ -265,9 +263,17 @@ class MotionPlayer : public OurPlayer {
 
   // The head's centre in the torso's frame, metres: 90 mm to the neck and 65 mm on.
   static constexpr double kHeadAboveTorso = 0.155;
+  // The sole under the ankle, and how far it reaches back and forth.
+  static constexpr double kSole = 0.055;
+  static constexpr double kHeel = 0.05;
+  static constexpr double kToe = 0.11;
 
   Trainer* trainer_;
-  std::optional<Place> truth_;
+  std::mt19937 random_;
+  std::normal_distribution<double> error_;
+  double noise_;
+  TorsoOrientation orientation_;
+  std::optional<MotionPoint> truth_;
   std::optional<MotionPoint> ball_;
 };
 
@@ -340,13 +346,13 @@ std::vector<MotionKind> allMotions(const Options& options, const Place& start) {
          p.setAllHead(0, 50, 1);
          const bool fresh = p.actions->NowAction.actionType != AT_TURN;
          // The first call of a turn counts as done, as the request's parameters are reset by it.
-         return p.actions->ChangeAction(p.turn->execute(far(options.angle), 5, 0)) && !fresh;
+         return p.actions->ChangeAction(p.turn->execute(far(options.angle), 10, 0)) && !fresh;
        }},
       {"around-ball", "turning around a ball 0.22 m ahead until a point at --angle is ahead",
        Start::kBallAhead,
        [=](MotionPlayer& p) {
          p.setAllHead(0, 50, 1);
-         return p.actions->ChangeAction(p.turnAroundBall->execute(far(options.angle), 5));
+         return p.actions->ChangeAction(p.turnAroundBall->execute(far(options.angle), 10));
        }},
       {"kick", "the kick in play of this robot type, right foot", Start::kBallAtFoot,
        kick([](Kick& k) { return k.execute(true); })},
@@ -415,14 +421,22 @@ class Run {
       player_.rest(kSettle);
       return;
     }
-    trainer_->say(ballAt(kAwayX, kAwayY));
+    player_.rest(10);  // the last beam may still be on its way
     trainer_->say("(agent (unum " + std::to_string(options_.number) + ")(team Left)(move " +
                   text(kStartX) + " " + text(kStartY) + " " + text(kStartZ) + " -90))");
+    if (!player_.restUntil([&] {
+          const MotionPoint& at = player_.place().torso;
+          return !player_.knowsTruth() || std::hypot(at.x - kStartX, at.y - kStartY) < 0.1;
+        })) {
+      throw std::runtime_error("the robot does not come to where the trainer wants it");
+    }
+    player_.standsUpright();
     player_.rest(kSettle);
     trainer_->say("(playMode PlayOn)");
     if (!player_.restUntil([&] { return player_.WM->playMode == PM_PLAY_ON; })) {
       throw std::runtime_error("the server does not heed the trainer");
     }
+    trainer_->say(ballAt(kAwayX, kAwayY));
     player_.rest(kSettle);
   }
 
@@ -461,18 +475,17 @@ class Run {
     player_.rest(10);
   }
 
-  // Tips the robot over with its ankles and lets it come to rest, straight.
+  // From the neutral stance, as after a gait, tips the robot over with its ankles and lets it lie.
   void lieDown(FallOrientation side) {
-    const float ankle = side == FALL_FRONT ? -44 : 70;
-    const float hip = side == FALL_FRONT ? 20 : 0;
-    for (int i = 0; i < 400; ++i) {
-      player_.turnCycle([&] {
-        player_.setBothLeg(5, ankle, 100, 1);
-        player_.setBothLeg(3, hip, 100, 1);
-      });
-      if (player_.tilt() > 80) break;
+    bool standing = false;
+    for (int i = 0; i < 200 && !standing; ++i) {
+      player_.turnCycle([&] { standing = player_.reset->execute(1, 10, 5)->init(); });
     }
-    player_.rest(100);
+    const float ankle = side == FALL_FRONT ? 70 : -44;
+    for (int i = 0; i < 200 && player_.tilt() < 75; ++i) {
+      player_.turnCycle([&] { player_.setBothLeg(5, ankle, 100, 1); });
+    }
+    for (int i = 0; i < 75; ++i) player_.turnCycle([] {});
     player_.WM->isFall();
     if (player_.WM->fall != side) std::cerr << "motion: the robot does not lie as it should\n";
   }
@@ -545,7 +558,8 @@ std::unique_ptr<MotionPlayer> makePlayer(const Options& options, Trainer* traine
                                     std::to_string(options.type)};
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
-  return std::make_unique<MotionPlayer>(static_cast<int>(argv.size()), argv.data(), trainer);
+  return std::make_unique<MotionPlayer>(static_cast<int>(argv.size()), argv.data(), trainer,
+                                        options.noise, options.seed);
 }
 
 void run(const Options& options) {
@@ -564,7 +578,7 @@ void run(const Options& options) {
       summarize(samples, static_cast<int>(std::lround(options.lead * 50)));
   if (options.csv) {
     std::cout << summaryHeader()
-              << summaryLine(options.motion, options.type, options.label, truth, summary);
+              << summaryLine(options.motion, options.type, options.seed, truth, summary);
   } else {
     tell(options, truth, summary);
   }
@@ -621,7 +635,11 @@ int main(int argc, char** argv) {
   app.add_option("--ball-aside", options.ballAside,
                  "Kicks: the ball to the kicking side of the torso, metres")
       ->capture_default_str();
-  app.add_option("--label", options.label, "A word for the column `label`")->capture_default_str();
+  app.add_option("--noise", options.noise,
+                 "Standard deviation of an error on each joint's speed, rad/s: runs that differ")
+      ->check(CLI::Range(0.0, 1.0))
+      ->capture_default_str();
+  app.add_option("--seed", options.seed, "Of that error")->capture_default_str();
   app.add_flag("--csv", options.csv, "Report as one line of values under one of names");
   app.add_option("--trace", options.trace, "Write each cycle to this file, as CSV");
   app.add_option("--svg", options.svg, "Draw the motion to this file");

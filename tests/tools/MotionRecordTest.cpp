@@ -127,6 +127,36 @@ TEST(MotionRecordTest, AnglesAreWrapped) {
   EXPECT_DOUBLE_EQ(wrapDegrees(720), 0);
 }
 
+TEST(MotionRecordTest, OrientationFollowsTheTurningRates) {
+  TorsoOrientation torso;
+  torso.setUpright(30);
+  EXPECT_DOUBLE_EQ(torso.heading(), 30);
+  for (int i = 0; i < 50; ++i) torso.turn(0, 0, 60);  // a second to the left
+  EXPECT_NEAR(torso.heading(), 90, 1e-9);
+  EXPECT_NEAR(torso.tilt(), 0, 1e-5);
+  for (int i = 0; i < 50; ++i) torso.turn(0, 50, 0);  // leans forward
+  EXPECT_NEAR(torso.tilt(), 50, 1e-9);
+  EXPECT_NEAR(torso.heading(), 90, 1e-9);
+  const MotionPoint up = torso.toUpright({0, 0, 1});
+  EXPECT_NEAR(up.x, std::sin(50 * kPi / 180), 1e-9);
+  EXPECT_NEAR(up.y, 0, 1e-9);
+  EXPECT_NEAR(up.z, std::cos(50 * kPi / 180), 1e-9);
+  const MotionPoint pitch = torso.toPitch({0, 0, 1});
+  EXPECT_NEAR(pitch.y, std::sin(50 * kPi / 180), 1e-9);
+  EXPECT_NEAR(pitch.x, 0, 1e-9);
+}
+
+TEST(MotionRecordTest, ARobotThatLiesKeepsItsHeading) {
+  TorsoOrientation torso;
+  torso.setUpright(20);
+  for (int i = 0; i < 50; ++i) torso.turn(0, 120, 0);  // on to its face and beyond
+  EXPECT_NEAR(torso.tilt(), 120, 1e-9);
+  EXPECT_NEAR(torso.heading(), 20, 1e-9);
+  for (int i = 0; i < 50; ++i) torso.turn(0, -120, 0);
+  EXPECT_NEAR(torso.tilt(), 0, 1e-5);
+  EXPECT_NEAR(torso.heading(), 20, 1e-9);
+}
+
 TEST(MotionRecordTest, TermsAreReadFromAMessage) {
   const std::string message = "(See (mypos -1.50 2 0.53) (myorien -12.25) (B (pol 1 2 3)))";
   const auto place = readTerm(message, "mypos", 3);
@@ -152,7 +182,7 @@ TEST(MotionRecordTest, SummaryLineHasAValueForEachColumn) {
   const auto commas = [](const std::string& text) {
     return std::count(text.begin(), text.end(), ',');
   };
-  const std::string line = summaryLine("omni", 2, "5", true, summarize(steady(9, 0, 1, 0, 0), 0));
+  const std::string line = summaryLine("omni", 2, 5, true, summarize(steady(9, 0, 1, 0, 0), 0));
   EXPECT_EQ(commas(line), commas(summaryHeader()));
   EXPECT_EQ(line.substr(0, 15), "omni,2,5,truth,");
 }

@@ -28,6 +28,7 @@ constexpr double kAround = 0.7;   // metres around anything farther out
 constexpr double kHeader = 84.0;  // title and subtitle
 constexpr double kFooter = 72.0;  // legend and scale
 constexpr double kMargin = 28.0;
+constexpr double kWordsRoom = 4;   // metres that the words of a mark may take
 constexpr double kMinStep = 0.01;  // metres; shorter steps of a path are not drawn
 
 bool isPosition(const Point& point) {
@@ -276,8 +277,10 @@ std::string PitchPicture::svg() const {
         "font-size=\"15\" paint-order=\"stroke\" stroke=\"#ffffff\" "
         "stroke-width=\"3.5\" stroke-linejoin=\"round\" ";
     canvas.circle(item.points[0], 6, fill(item.pen) + " stroke=\"#ffffff\" stroke-width=\"2\"");
-    canvas.textAt(item.points[0], 8, item.label == Label::kAbove ? -9 : 19, item.name,
-                  words + fill(item.pen));
+    // Near the right edge the words stand before the dot instead of behind it.
+    const bool before = item.points[0].x > upperRight_.x - kWordsRoom;
+    canvas.textAt(item.points[0], before ? -8 : 8, item.label == Label::kAbove ? -9 : 19, item.name,
+                  words + fill(item.pen) + (before ? " text-anchor=\"end\"" : ""));
   }
 
   canvas.raw("</g>");

@@ -46,6 +46,14 @@ void appendEnvironment(std::string& text, float halfTime) {
   text += ')';
 }
 
+// A team's name as it can stand in an expression: what would end or quote an atom is replaced.
+std::string asAtom(std::string_view name) {
+  std::string atom(name);
+  for (char& c : atom)
+    if (std::string_view(" \t\r\n()\"'\\;").find(c) != std::string_view::npos) c = '_';
+  return atom;
+}
+
 // Appends the state terms that differ from `sent`, or all of them if that is null.
 void appendState(std::string& text, const GameState& game, const GameState* sent,
                  std::array<float, 2> passWait) {
@@ -55,7 +63,7 @@ void appendState(std::string& text, const GameState& game, const GameState* sent
   constexpr std::string_view kWaits[] = {"pass_mode_score_wait_left", "pass_mode_score_wait_right"};
   for (std::size_t i = 0; i < 2; ++i)
     if (!game.teamNames[i].empty() && (!sent || game.teamNames[i] != sent->teamNames[i]))
-      appendTerm(text, kTeams[i], game.teamNames[i]);
+      appendTerm(text, kTeams[i], asAtom(game.teamNames[i]));
   if (!sent || game.half != sent->half) appendTerm(text, "half", game.half);
   for (std::size_t i = 0; i < 2; ++i)
     if (!sent || game.score[i] != sent->score[i]) appendTerm(text, kScores[i], game.score[i]);

@@ -85,6 +85,12 @@ TEST_F(MonitorStreamTest, TeamNamesComeWhenTheyAreNew) {
   EXPECT_FALSE(reader.lastHad("team_left"));
 }
 
+TEST_F(MonitorStreamTest, TeamNamesCannotBreakTheExpression) {
+  game.teamNames = {"a (b)\"c;'\\d", "x"};
+  next();
+  EXPECT_EQ(reader.term("team_left"), "a__b__c___d");
+}
+
 TEST_F(MonitorStreamTest, PassLimitsAreShownDuringPlayOnAlone) {
   wait = {0, 7.5};
   game.mode = PlayMode::PlayOn;

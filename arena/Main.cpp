@@ -2,10 +2,14 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "Match/Match.h"
 #include "Net/ArenaServer.h"
+#include "Recording/MatchReport.h"
+#include "Recording/RecordingWriter.h"
 
 namespace {
 
@@ -51,6 +55,39 @@ class ProgressLine {
   double last_time_ = 0.0;
 };
 
+// Writes down what happens, as far as it is wanted.
+class Chronicle {
+ public:
+  // Empty names: nothing is written. Throws std::runtime_error if the recording cannot be made.
+  Chronicle(const std::string& recording, const std::string& report) : report_file_(report) {
+    if (!recording.empty()) writer_.emplace(recording);
+  }
+
+  void cycle(const arena::Match& match, const arena::ArenaServer::CycleReport& cycle) {
+    const arena::Referee& referee = match.referee();
+    if (writer_) writer_->write(match.scene(), match.game(), referee.goals(), referee.fouls());
+    if (report_file_.empty()) return;
+    report_.observe(match.scene(), match.game(), referee.goals(), referee.fouls(),
+                    referee.lastTouch());
+    for (const arena::Match::AgentId agent : cycle.late)
+      for (const arena::SceneRobot& robot : match.scene().robots)
+        if (robot.handle == agent && robot.side != arena::Side::None)
+          report_.noteLateAnswer(robot.side, robot.number);
+  }
+
+  // Throws std::runtime_error if something could not be written.
+  void finish() {
+    if (writer_ && !writer_->close()) throw std::runtime_error("the recording is incomplete");
+    if (!report_file_.empty() && !report_.write(report_file_))
+      throw std::runtime_error("cannot write the report " + report_file_);
+  }
+
+ private:
+  std::optional<arena::RecordingWriter> writer_;
+  arena::MatchReport report_;
+  std::string report_file_;
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -58,6 +95,8 @@ int main(int argc, char** argv) {
   arena::ServerOptions server_options;
   bool no_noise = false;
   bool quiet = false;
+  std::string recording;
+  std::string report;
 
   CLI::App app{
       "A practice pitch for robot soccer players, on simulated physics. Speaks the protocol of the "
@@ -92,6 +131,9 @@ int main(int argc, char** argv) {
   app.add_flag("--no-noise", no_noise, "exact vision, camera position and beams");
   app.add_flag("--ground-truth", match_options.ground_truth,
                "add the terms mypos, myorien and ballpos to what agents see");
+  app.add_option("--record", recording, "write every cycle to this file, for match-picture");
+  app.add_option("--report", report,
+                 "at the end write score, goals and sums to this file, as JSON");
   app.add_flag("--quiet", quiet, "no progress line, no messages but errors");
   CLI11_PARSE(app, argc, argv);
 
@@ -101,13 +143,18 @@ int main(int argc, char** argv) {
     match_options.noise = !no_noise;
     match_options.log = log;
     server_options.handle_signals = true;
+    Chronicle chronicle(recording, report);
     arena::Match match(match_options);
     arena::ArenaServer server(match, server_options, log);
     log("agents at port " + std::to_string(server.agentPort()) + ", monitors at port " +
         std::to_string(server.monitorPort()));
-    server.setObserver([&](const arena::ArenaServer::CycleReport&) { progress.cycle(match); });
+    server.setObserver([&](const arena::ArenaServer::CycleReport& cycle) {
+      chronicle.cycle(match, cycle);
+      progress.cycle(match);
+    });
     server.run();
     progress.finish();
+    chronicle.finish();
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "arena: %s\n", error.what());

@@ -30,6 +30,7 @@ using Point = PitchPicture::Point;
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kFarBack = 1e9;
+constexpr double kHalfHundredth = 0.005;  // seconds; game times have two decimals
 
 struct Options {
   std::string recording;
@@ -338,7 +339,7 @@ void printTable(const Options& options, const Story& story, const Truth* truth) 
     const bool modeChanged = last == nullptr || last->mode != belief.mode;
     if (modeChanged) next = std::min<double>(next, belief.time);
     last = &belief;
-    if (belief.time < next || !belief.sawLandmark) continue;
+    if (belief.time + kHalfHundredth < next || !belief.sawLandmark) continue;
     next = belief.time + options.every;
 
     const TruthLine* const line = truth != nullptr ? truth->at(belief.time) : nullptr;
@@ -455,7 +456,7 @@ void writePicture(const Options& options, const Story& story,
       actual.push_back(comparison.self.position);
       ballTrue.push_back(truth->ball(*comparison.line));
       if (belief.ball) ballSeen.push_back(*belief.ball);
-      if (belief.time < next) continue;
+      if (belief.time + kHalfHundredth < next) continue;
       next = belief.time + 1.0;
       links.emplace_back(belief.self.position, comparison.self.position);
     }

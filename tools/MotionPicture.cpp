@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
 #include <limits>
 
 namespace {
@@ -85,14 +86,19 @@ class FigureSketch {
 
   std::string limbs(const StickFigure& figure, int side) const {
     const char* colour = side == 0 ? kLeftColour : kRightColour;
-    std::string out;
-    for (int i = 0; i < 2; ++i)
-      out += bone(figure.arm[side][i], figure.arm[side][i + 1], colour, 2);
-    for (int i = 0; i < 2; ++i)
-      out += bone(figure.leg[side][i], figure.leg[side][i + 1], colour, 3);
+    const MotionPoint* arm = figure.arm[side];
     const MotionPoint* leg = figure.leg[side];
-    out += bone(leg[2], leg[3], colour, 2) + bone(leg[2], leg[4], colour, 2);
-    return out + bone(leg[3], leg[4], colour, 3);
+    // The leg ends with the foot: from the ankle to heel, toe and back.
+    return chain({arm, arm + 1, arm + 2}, colour, 2) +
+           chain({leg, leg + 1, leg + 2, leg + 3, leg + 4, leg + 2}, colour, 3);
+  }
+
+  std::string chain(std::initializer_list<const MotionPoint*> points, const std::string& colour,
+                    double width) const {
+    std::string out = "<polyline fill=\"none\" stroke=\"" + colour + "\" stroke-width=\"" +
+                      number(width) + "\" points=\"";
+    for (const MotionPoint* p : points) out += number(x(*p)) + "," + number(y(*p)) + " ";
+    return out + "\"/>\n";
   }
 
   View view_;

@@ -346,6 +346,69 @@ TEST_F(RequestTest, ResultOfAReissuedResetReachesOnlyResetAndDive) {
   }
 }
 
+// The flag across the recursion, pair by pair: a running gait, turn, kick or turn around the ball
+// lets its result through to a turn or gait request, a running reset, dive or stand-up does not.
+// Kick and turn around the ball never pass on a result that is not their own; reset and dive always
+// do.
+TEST_F(RequestTest, ResultsAcrossTheRecursionPairByPair) {
+  struct Running {
+    const char* name;
+    ActionType type;
+    bool passesOn;
+    std::function<void()> readyToEnd;
+  };
+  const Running running[] = {
+      {"forward gait", AT_FORWALK, true,
+       [&] {
+         walkForwardMidStep();
+         walk._forWalk->state = 3;
+       }},
+      {"turn", AT_TURN, true,
+       [&] {
+         turn.type = AT_TURN;
+         turn.ak = 1;
+       }},
+      {"kick", AT_UNSTABLE_KICK, true,
+       [&] {
+         kick.unstable(kRight);
+         kick.stableState = 17;
+       }},
+      {"turn around the ball", AT_TURN_AROUND_BALL, true,
+       [&] {
+         tab.execute(Vector(9, 9, 0), 360);
+         tab.basicWalkState = 30;
+       }},
+      {"reset", AT_RESET, false, [&] { reachNeutralStance(); }},
+      {"dive", AT_DIVE, false,
+       [&] {
+         dive.execute(0, 0, false);
+         dive.diveState = 2;
+       }},
+      {"stand-up", AT_FLIP, false,
+       [&] {
+         standUp.flip();
+         standUp.flipState = 1;
+       }},
+  };
+  const auto asksTab = [this] { return actions.ChangeAction(tab.execute(Vector(9, 9, 0), 360)); };
+  for (const Running& r : running) {
+    std::vector<Request> all = requests();
+    all.push_back({"turn around the ball", AT_TURN_AROUND_BALL, false, asksTab, [] {},
+                   [] { return false; }, [] { return false; }});
+    for (const Request& t : all) {
+      if (t.type == r.type) continue;
+      SCOPED_TRACE(std::string(t.name) + " asked for during " + r.name);
+      given(r.type, false, false);
+      r.readyToEnd();
+      const bool own = t.type == AT_RESET || t.type == AT_DIVE;
+      const bool never = t.type == AT_UNSTABLE_KICK || t.type == AT_TURN_AROUND_BALL;
+      EXPECT_EQ(t.ask(), own || (!never && r.passesOn));
+      EXPECT_TRUE(actions.preAction);
+      EXPECT_EQ(actions.NowAction.actionType, r.type);
+    }
+  }
+}
+
 TEST_F(ActionsTest, AFinishedKickYieldsTrueToItsCaller) {
   given(AT_UNSTABLE_KICK, false, false);
   kick.stableState = 17;

@@ -245,6 +245,22 @@ TEST_P(Legs, AnkleRollOnItsWideSideEndsAtARightAngle) {
   EXPECT_TRUE(solve(leg, targetOf(leg.chain, joints)).empty());
 }
 
+TEST_P(Legs, AnkleAtARightAngleIsLostWhereRoundingPassesTheArcSine) {
+  // The stand-in has the sign opposite to the clipped arc sine, so such a target has no solution.
+  // Required: with the other sign none of them would be lost.
+  int found = 0, lost = 0;
+  for (int i = 0; i < 2000; ++i) {
+    const Joints joints = {-0.1, 0.05, -0.5, 0.05 + 0.001 * i, kPi / 2, 0.1};
+    NAOKinematics nao;
+    kmatTable target;
+    nao.filterForward(target, GetParam()->chain, joints);
+    const Solutions solutions = solve(*GetParam(), target);
+    ++(contains(solutions, joints) ? found : lost);
+  }
+  EXPECT_GT(found, 500);
+  EXPECT_GT(lost, 50);
+}
+
 TEST_P(Legs, SolutionsComeInTheOrderOfTheCandidates) {
   // Knee first: the angle from the arc cosine, which is never negative, then its negative.
   CaseCount both("targets that both knee candidates reach", 50);

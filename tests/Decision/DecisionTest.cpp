@@ -36,35 +36,16 @@ bool has(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
-// Counts as running while nothing does: a turn that is asked for keeps its parameters, which a
-// change of action would clear.
-constexpr ActionType kIdle = AT_TURN;
+constexpr ActionType kIdle = TestPlayer::kIdle;
 
-// Makes the next cycle show what it asks for: nothing runs, nothing has been asked for yet.
 void arm(TestPlayer& p) {
-  OurPlayer& player = p.player;
-  player.actions->preAction = true;
-  player.actions->endStepIsRequired = false;
-  player.actions->NowAction.actionType = kIdle;
-  player.reset->State = -1;
-  player.walk->type = AT_NONE;
-  player.walk->v = Vector(77, 77, 77);
-  player.turn->type = AT_NONE;
-  player.turn->v = Vector(77, 77, 77);
-  player.kick->type = AT_NONE;
-  player.kick->stableState = 0;
-  player.decide->resetVars();
-  player.goToPoint->resetVars();
-  player.goToPoint->rokhsat = false;  // no reset before a walk
-  player.goToPoint->tashkor = false;
-  player.goToGoal->state = 0;
-  GTKstate = 1;
+  p.arm();
   Block::doBlockCD = 100;
   Block::blockCountDown = 100;
 }
 
 bool wentByDecide(TestPlayer& p) {
-  return !(p.player.decide->lastPos == Vector(20, 20, 0));
+  return p.askedForDecide();
 }
 
 bool dribbled(TestPlayer& p) {

@@ -11,6 +11,13 @@
 #include <iomanip>
 #include <iostream>
 
+#include "AdvancedAction/GoToGoal.h"
+#include "AdvancedAction/GoToKick.h"
+#include "AdvancedAction/GoToPoint.h"
+#include "BasicAction/Kick.h"
+#include "BasicAction/Reset.h"
+#include "BasicAction/TAB.h"
+#include "Decision/Actions.h"
 #include "Utilities/Logger.h"
 
 namespace support {
@@ -115,6 +122,81 @@ std::string TestPlayer::cycle() {
   player.command->clear();
   carryOut(answer);
   return answer;
+}
+
+void TestPlayer::bodyCycle() {
+  player.bControl.makeCommand(player.command);
+  player.command->setFinal();
+  carryOut(player.command->getFinal());
+  player.command->clear();
+  for (const auto& [name, hinge] : hinges) {
+    std::ostringstream percept;
+    percept << "(HJ (n " << name << ") (ax " << hinge.angle << "))";
+    world.updateJoint(percept.str());
+  }
+  player.bControl.adjustJoints();
+}
+
+void TestPlayer::me(double x, double y, double heading) {
+  world.mySelf->GlobalPosition =
+      Vector(static_cast<float>(x), static_cast<float>(y), static_cast<float>(kTorsoHeight));
+  world.mySelf->gyro.identityMatrix();
+  world.mySelf->gyro.rotationByZ(static_cast<float>(heading));
+}
+
+void TestPlayer::ball(double x, double y, double z) {
+  world.ball->GlobalPosition =
+      Vector(static_cast<float>(x), static_cast<float>(y), static_cast<float>(z));
+  world.ball->setVelocity(Vector(0, 0, 0));
+  world.ball->setLastTimeSeen(world.gameTime);
+}
+
+void TestPlayer::numberEverybody() {
+  for (int row = 0; row < 2; ++row) {
+    for (int i = 0; i < 11; ++i) {
+      world.player[row][i].setTeamSide(row == 0 ? SIDE_LEFT : SIDE_RIGHT);
+      world.player[row][i].setPlayerNumber(i + 1);
+    }
+  }
+}
+
+Player& TestPlayer::see(int row, int unum, double x, double y, Orientation facing) {
+  numberEverybody();
+  Player& other = world.player[row][unum - 1];
+  const Vector pos(static_cast<float>(x), static_cast<float>(y), 0);
+  other.leftFootPosition = other.rightFootPosition = pos;
+  other.headPosition = Vector(0, 0, 0.6f);
+  other.headLastTimeSeen = world.gameTime;
+  const Vector arm(facing == NORTH   ? -0.25f
+                   : facing == SOUTH ? 0.25f
+                                     : 0,
+                   facing == WEST   ? -0.25f
+                   : facing == EAST ? 0.25f
+                                    : 0,
+                   0);
+  other.leftLowerArmPosition = pos + arm;
+  other.rightLowerArmPosition = pos - arm;
+  return other;
+}
+
+void TestPlayer::arm() {
+  player.actions->preAction = true;
+  player.actions->endStepIsRequired = false;
+  player.actions->NowAction.actionType = kIdle;
+  player.reset->State = -1;
+  player.walk->type = AT_NONE;
+  player.walk->v = Vector(77, 77, 77);
+  player.turn->type = AT_NONE;
+  player.turn->v = Vector(77, 77, 77);
+  player.kick->type = AT_NONE;
+  player.kick->stableState = 0;
+  player.turnAroundBall->vec = Vector(77, 77, 77);
+  player.decide->resetVars();
+  player.goToPoint->resetVars();
+  player.goToPoint->rokhsat = false;
+  player.goToPoint->tashkor = false;
+  player.goToGoal->state = 0;
+  GTKstate = 1;
 }
 
 std::string TestPlayer::percepts() {

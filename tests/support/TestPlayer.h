@@ -13,7 +13,10 @@
 #include <utility>
 #include <vector>
 
+#include "AdvancedAction/Decide.h"
 #include "Agent/OurPlayer.h"
+#include "BasicAction/Turn.h"
+#include "BasicAction/Walk.h"
 #include "Mathematics/Vector.h"
 #include "Utilities/Types.h"
 #include "support/FakeServer.h"
@@ -81,6 +84,45 @@ class TestPlayer {
   void cycles(int count) {
     for (int i = 0; i < count; ++i) cycle();
   }
+
+  /// Moves the hinges as commanded since the last call, and lets the player sense it: a cycle
+  /// without percepts and without a decision, for tests of single actions.
+  void bodyCycle();
+
+  /// Calls `step` once per body cycle until it returns true; how many calls that took, or `limit`.
+  template <typename Step>
+  int until(Step step, int limit = 3000) {
+    for (int i = 1; i <= limit; ++i) {
+      const bool done = step();
+      bodyCycle();
+      if (done) return i;
+    }
+    ADD_FAILURE() << "not done within " << limit << " cycles";
+    return limit;
+  }
+
+  /// @name The belief, written directly.
+  /// @{
+  void me(double x, double y, double heading = 0);
+  void ball(double x, double y, double z = 0);  // seen now, at rest
+  /// Row 0 is vision's own team. Seen now, standing, both feet at (x, y).
+  Player& see(int row, int unum, double x, double y, Orientation facing = NORTH);
+  /// Gives every entry its number and side, as the first sighting of any player does.
+  void numberEverybody();
+  /// @}
+
+  /// Counts as running while nothing does: a turn that is asked for keeps its parameters, which a
+  /// change of action would clear.
+  static constexpr ActionType kIdle = AT_TURN;
+
+  /// Makes the next call show what it asks for: nothing runs, nothing has been asked for yet, and
+  /// no reset is owed before a walk.
+  void arm();
+
+  /// What has been asked for since arm().
+  bool askedToWalk() const { return player.walk->type == AT_OMNIWALK; }
+  bool askedToTurn() const { return player.turn->type == AT_TURN; }
+  bool askedForDecide() const { return player.decide->lastPos != Vector(20, 20, 0); }
 
   /// The message that cycle() would give to the player.
   std::string percepts();

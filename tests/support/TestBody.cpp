@@ -1,9 +1,16 @@
 #include "support/TestBody.h"
 
+#include "AdvancedAction/Decide.h"
+#include "AdvancedAction/GoToBall.h"
+#include "AdvancedAction/GoToGoal.h"
+#include "AdvancedAction/GoToKick.h"
+#include "AdvancedAction/GoToPoint.h"
 #include "BasicAction/BasicAction.h"
 #include "BasicAction/Dive.h"
 #include "BasicAction/FeedBack.h"
 #include "BasicAction/SeeBall.h"
+#include "BasicAction/TAB.h"
+#include "Command/Command.h"
 #include "Decision/Actions.h"
 #include "Mathematics/Matrix.h"
 #include "Utilities/Config.h"
@@ -138,6 +145,15 @@ TestBody::~TestBody() {
   Actions::agent = nullptr;
   FeedBack::agent = nullptr;
   delete world;
+  // What the player keeps to the end of its process, the tests' many bodies must not.
+  delete agent.goToBall;
+  delete agent.turnAroundBall;
+  delete agent.actions;
+  delete agent.decide;
+  delete agent.goToPoint;
+  delete agent.goToKick;
+  delete agent.goToGoal;
+  delete agent.command;
 }
 
 const std::vector<TestBody::Hinge>& TestBody::hinges() {

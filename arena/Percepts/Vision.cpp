@@ -93,7 +93,6 @@ struct WindowSide {
 
 // Top, bottom, left, right.
 constexpr std::array<WindowSide, 4> kWindowSides{{{0, 1}, {0, -1}, {-1, 0}, {1, 0}}};
-constexpr std::size_t kFirstUprightSide = 2;
 
 }  // namespace
 

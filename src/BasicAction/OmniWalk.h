@@ -21,8 +21,8 @@
 /// call; own position and heading in the world model. Provides: targets of both legs.
 class OmniWalk : public BasicAction {
  public:
-  /// One cycle of the gait; true only in the cycle that ended a rotating leg's step, between the
-  /// turning and the unwinding half of a pair: there the arbiter may leave.
+  /// One cycle of the gait; true only in the cycle that chose an unwinding step to come next: as a
+  /// rule the one that ended a rotating leg's step. There the arbiter may leave.
   bool execute();
 
   /// Start of the gait, phase, and choice of the next step towards `v`; pairs turn from `turnError`

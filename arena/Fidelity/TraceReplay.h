@@ -32,6 +32,10 @@ struct TraceDifference {
 // is.
 std::size_t firstFallContact(const std::vector<TraceRow>& replayed);
 
+// Whether a difference is within what the arena promises: joint angles 0.1 degrees, torso 2 mm,
+// gyro 2 degrees/s, accelerometer and foot force 5 % of their range, ball 1 % of its way.
+bool withinTolerance(const TraceDifference& difference);
+
 // Compares rows 0 to `end` - 1.
 TraceDifference compareTrace(const Trace& recorded, const std::vector<TraceRow>& replayed,
                              std::size_t end);

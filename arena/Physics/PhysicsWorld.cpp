@@ -54,9 +54,9 @@ PhysicsWorld::PhysicsWorld() {
   world_ = dWorldCreate();
   space_ = dHashSpaceCreate(nullptr);
   contact_group_ = dJointGroupCreate(0);
-  dWorldSetGravity(world_, 0.0, 0.0, -kGravity);
-  dWorldSetCFM(world_, kWorldCfm);
-  dWorldSetContactSurfaceLayer(world_, kContactSurfaceLayer);
+  dWorldSetGravity(world_, 0.0, 0.0, single(-kGravity));
+  dWorldSetCFM(world_, single(kWorldCfm));
+  dWorldSetContactSurfaceLayer(world_, single(kContactSurfaceLayer));
   dWorldSetAutoDisableFlag(world_, 1);
 
   const dGeomID ground = dCreatePlane(space_, 0.0, 0.0, 1.0, 0.0);
@@ -207,7 +207,7 @@ void PhysicsWorld::step() {
   }
   applyBallDrag();
   dSpaceCollide(space_, this, &PhysicsWorld::nearCallback);
-  dWorldStep(world_, kStepSeconds);
+  dWorldStep(world_, single(kStepSeconds));
   readFootForces();
   dJointGroupEmpty(contact_group_);
 }

@@ -75,7 +75,7 @@ RobotBody::RobotBody(dWorldID world, dSpaceID space, int handle, const RobotMode
   dGeomSetCollideBits(reinterpret_cast<dGeomID>(space_), ~kSensorBit);
   tags_.reserve(model_.bodies.size());
   for (const BodySpec& spec : model_.bodies) buildBody(world, spec, place);
-  for (const JointSpec& spec : model_.joints) buildJoint(world, spec, place);
+  for (const JointSpec& spec : model_.joints) buildJoint(world, spec);
 }
 
 RobotBody::~RobotBody() {
@@ -102,12 +102,17 @@ void RobotBody::buildBody(dWorldID world, const BodySpec& spec, const Eigen::Vec
   dGeomSetCollideBits(geom, ~kSensorBit);
 }
 
-void RobotBody::buildJoint(dWorldID world, const JointSpec& spec, const Eigen::Vector3d& place) {
+void RobotBody::buildJoint(dWorldID world, const JointSpec& spec) {
   const dJointID joint = dJointCreateHinge(world, nullptr);
   joints_.push_back(joint);
   dJointAttach(joint, bodies_[spec.child], bodies_[spec.parent]);
-  dJointSetHingeAnchor(joint, single(place.x() + spec.anchor[0]),
-                       single(place.y() + spec.anchor[1]), single(place.z() + spec.anchor[2]));
+  const Triple& centre = model_.bodies[spec.child].position;
+  std::array<double, 3> anchor;
+  for (int i = 0; i < 3; ++i) {
+    anchor[i] =
+        single(dBodyGetPosition(bodies_[spec.child])[i] + single(spec.anchor[i] - centre[i]));
+  }
+  dJointSetHingeAnchor(joint, anchor[0], anchor[1], anchor[2]);
   dJointSetHingeAxis(joint, single(spec.axis[0]), single(spec.axis[1]), single(spec.axis[2]));
   const std::pair<int, double> parameters[] = {
       {dParamFMax, kMotorTorque},        {dParamVel, 0.0},          {dParamCFM, kMotorCfm},

@@ -100,7 +100,7 @@ class RobotBody {
   };
 
   void buildBody(dWorldID world, const BodySpec& spec, const Eigen::Vector3d& place);
-  void buildJoint(dWorldID world, const JointSpec& spec, const Eigen::Vector3d& place);
+  void buildJoint(dWorldID world, const JointSpec& spec);
   void stopAll();
 
   int handle_;

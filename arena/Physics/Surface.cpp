@@ -1,5 +1,7 @@
 #include "Physics/Surface.h"
 
+#include "Physics/Constants.h"
+
 namespace arena {
 namespace {
 
@@ -22,16 +24,16 @@ dSurfaceParameters mixSurfaces(const Surface& first, const Surface& second) {
   }
   if (const auto erp = mix(first.soft_erp, second.soft_erp)) {
     result.mode |= dContactSoftERP;
-    result.soft_erp = *erp;
+    result.soft_erp = single(*erp);
   }
   if (const auto cfm = mix(first.soft_cfm, second.soft_cfm)) {
     result.mode |= dContactSoftCFM;
-    result.soft_cfm = *cfm;
+    result.soft_cfm = single(*cfm);
   }
   if (const auto slip = mix(first.slip, second.slip)) {
     result.mode |= dContactSlip1 | dContactSlip2;
-    result.slip1 = *slip;
-    result.slip2 = *slip;
+    result.slip1 = single(*slip);
+    result.slip2 = single(*slip);
   }
   return result;
 }

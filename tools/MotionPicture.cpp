@@ -190,11 +190,11 @@ class PathSketch {
 
   std::string grid() const {
     std::string out;
-    for (double x = std::ceil(bounds_.minX); x <= bounds_.maxX; x += 1) {
+    for (double x = std::ceil(bounds_.minX) + 0.0; x <= bounds_.maxX; x += 1) {
       out += line(px(x), 0, px(x), height(), "#d1fae5", 1);
       out += label(px(x) + 3, height() - 4, 10, "start", number(x) + " m");
     }
-    for (double y = std::ceil(bounds_.minY); y <= bounds_.maxY; y += 1) {
+    for (double y = std::ceil(bounds_.minY) + 0.0; y <= bounds_.maxY; y += 1) {
       out += line(0, py(y), width(), py(y), "#d1fae5", 1);
       out += label(3, py(y) - 3, 10, "start", number(y) + " m");
     }

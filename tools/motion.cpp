@@ -331,6 +331,17 @@ std::vector<MotionKind> allMotions(const Options& options, const Place& start) {
        gait([](Walk& w) { return w.sideWalk(-1); })},
       {"omni", "the omnidirectional gait, straight ahead, at --speed", Start::kStanding,
        gait([=](Walk& w) { return w.omniWalk(far(0), speed, 10, 0); })},
+      {"omni-stop", "the omnidirectional gait for 4 s at --speed, then to the neutral stance",
+       Start::kStanding,
+       [=, cycle = 0](MotionPlayer& p) mutable {
+         p.setAllHead(0, 50, 1);
+         if (++cycle <= 200) {
+           p.actions->ChangeAction(p.walk->omniWalk(far(0), speed, 10, 0));
+           return false;
+         }
+         const bool arrived = p.actions->ChangeAction(p.reset->execute(1, 10, 5));
+         return arrived && p.actions->NowAction.actionType == AT_RESET;
+       }},
       {"omni-long", "its long-stride variant, at --speed", Start::kStanding,
        gait([=](Walk& w) { return w.omniWalk(far(0), speed, 10, 1); })},
       {"omni-curve", "the omnidirectional gait to a point at --angle", Start::kStanding,

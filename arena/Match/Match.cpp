@@ -167,6 +167,10 @@ void Match::readInit(Agent& agent, Node term) {
   }
   const Node team = term.find("teamname");
   if (!team) return;
+  if (!SExpression::isPlainAtom(team.child(1).text())) {
+    warn(agent, "init with a team name that cannot be repeated in percepts");
+    return;
+  }
   agent.init = Init{term.find("unum").child(1).integer(), std::string(team.child(1).text())};
 }
 

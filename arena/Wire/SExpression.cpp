@@ -1,5 +1,6 @@
 #include "Wire/SExpression.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -99,6 +100,12 @@ std::size_t SExpression::size() const {
   std::size_t count = 0;
   for (auto i = begin(); i != end(); ++i) ++count;
   return count;
+}
+
+bool SExpression::isPlainAtom(std::string_view text) {
+  return !text.empty() && text.front() != ';' && std::all_of(text.begin(), text.end(), [](char c) {
+    return isAtomCharacter(c) && c != '\\';
+  });
 }
 
 SExpression::Status SExpression::read(std::string_view frame) {

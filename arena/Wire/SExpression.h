@@ -88,6 +88,9 @@ class SExpression {
     std::uint32_t position_ = 0;
   };
 
+  // Whether the text, written as it is and whatever follows it, is read as one atom.
+  static bool isPlainAtom(std::string_view text);
+
   // Reads a frame; what was read before is forgotten. `frame` must outlive the use of the nodes.
   Status read(std::string_view frame);
 

@@ -390,6 +390,18 @@ TEST_F(MatchRulesTest, KilledRobotIsGoneAndItsNumberFree) {
   EXPECT_NE(match.world().find(Side::Left, 2), nullptr);
 }
 
+TEST_F(MatchRulesTest, TeamNamesThatWouldBreakPerceptsAreRefused) {
+  const Match::AgentId agent = match.connect();
+  match.receive(agent, "(scene rsg/agent/nao/nao.rsg)");
+  step(3);
+  match.receive(agent, R"((init (unum 2)(teamname A\)B))(init (unum 2)(teamname "A B")))");
+  step(2);
+  EXPECT_EQ(match.world().find(Side::Left, 2), nullptr);
+  match.receive(agent, "(init (unum 2)(teamname AB))");
+  step(2);
+  EXPECT_NE(match.world().find(Side::Left, 2), nullptr);
+}
+
 TEST_F(MatchRulesTest, MonitorShowsTheMatchToAViewer) {
   addPlayer("Alpha", 2, 4);
   addPlayer("Beta", 11, 3);

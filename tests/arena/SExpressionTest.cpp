@@ -157,6 +157,15 @@ TEST(SExpressionTest, NodesOfferNamesChildrenAndTerms) {
   EXPECT_EQ(SExpression::Node().find("a").size(), 0u);
 }
 
+TEST(SExpressionTest, PlainAtomsAreReadBackAsTheyAre) {
+  for (const char* text : {"a", "A1!#$%&*~x", "a;b", "\xc3\xa4"}) {
+    EXPECT_TRUE(SExpression::isPlainAtom(text)) << text;
+    EXPECT_EQ(readAndShow("(" + std::string(text) + ")"), "(<" + std::string(text) + ">)");
+  }
+  for (const char* text : {"", ";a", "a b", "a(b", "a)", "a\\", "\"a", "a'", "a\n", "\x7f"})
+    EXPECT_FALSE(SExpression::isPlainAtom(text)) << text;
+}
+
 TEST(SExpressionTest, ReadingAgainForgetsTheFrameBefore) {
   SExpression expression;
   expression.read("(a b\\(c)(d)");

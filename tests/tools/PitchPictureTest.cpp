@@ -4,38 +4,38 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <regex>
 #include <string>
+#include <vector>
 
 namespace {
 
 using testing::HasSubstr;
 using testing::Not;
 
+// An attribute of the document itself.
 std::string attribute(const std::string& svg, const std::string& name) {
-  std::smatch match;
-  const std::regex pattern("<svg[^>]* " + name + "=\"([^\"]*)\"");
-  return std::regex_search(svg, match, pattern) ? match[1].str() : "";
+  const std::string start = " " + name + "=\"";
+  const std::size_t at = svg.find(start) + start.size();
+  return svg.substr(at, svg.find('"', at) - at);
 }
 
-// Every element is closed: as many ends as starts, and none left open at a place where it matters.
+// Every element that is opened is closed, in order.
 void expectWellFormed(const std::string& svg) {
-  std::string open;
-  const std::regex tag("<(/?)([a-zA-Z]+)([^>]*)>");
-  std::vector<std::string> stack;
-  for (auto it = std::sregex_iterator(svg.begin(), svg.end(), tag); it != std::sregex_iterator();
-       ++it) {
-    const std::string name = (*it)[2];
-    const std::string rest = (*it)[3];
-    if ((*it)[1] == "/") {
-      ASSERT_FALSE(stack.empty());
-      EXPECT_EQ(stack.back(), name);
-      stack.pop_back();
-    } else if (rest.empty() || rest.back() != '/') {
-      stack.push_back(name);
+  std::vector<std::string> open;
+  for (std::size_t at = svg.find('<'); at != std::string::npos; at = svg.find('<', at + 1)) {
+    const std::size_t end = svg.find('>', at);
+    ASSERT_NE(end, std::string::npos);
+    const std::string tag = svg.substr(at + 1, end - at - 1);
+    const std::string name = tag.substr(0, tag.find(' '));
+    if (tag[0] == '/') {
+      ASSERT_FALSE(open.empty());
+      EXPECT_EQ("/" + open.back(), name);
+      open.pop_back();
+    } else if (tag.back() != '/') {
+      open.push_back(name);
     }
   }
-  EXPECT_TRUE(stack.empty());
+  EXPECT_TRUE(open.empty());
 }
 
 TEST(PitchPictureTest, ShowsThePitchAlone) {

@@ -3,16 +3,11 @@
 
 #include <array>
 
-// The pitch, in metres: world frame, origin at the pitch centre, left goal at negative x.
-namespace arena {
+#include "Referee/Rules.h"
 
-inline constexpr double kFieldLength = 30.0;
-inline constexpr double kFieldWidth = 20.0;
-inline constexpr double kGoalWidth = 2.1;
-inline constexpr double kGoalDepth = 0.6;
-inline constexpr double kGoalHeight = 0.8;
-inline constexpr double kBallRadius = 0.042;
-inline constexpr double kBallMass = 0.026;
+// The solid parts of the pitch, in metres: world frame, origin at the pitch centre, left goal at
+// negative x. The measures that the rules share stand there.
+namespace arena {
 
 // A box with its edges along the world axes.
 struct StaticBox {

@@ -227,8 +227,8 @@ void RobotBody::placeUpright(const Eigen::Vector3d& place, double yaw) {
 
 void RobotBody::sampleAccelerometer() {
   const Eigen::Vector3d velocity = torsoVelocity();
-  const Eigen::Vector3d felt =
-      (velocity - last_velocity_) / kStepSeconds + Eigen::Vector3d(0.0, 0.0, kGravity);
+  const Eigen::Vector3d felt = (velocity - last_velocity_) / single(kStepSeconds) +
+                               Eigen::Vector3d(0.0, 0.0, single(kGravity));
   accelerometer_ = matrixOf(dBodyGetRotation(bodies_.front())).transpose() * felt;
   last_velocity_ = velocity;
 }

@@ -80,8 +80,9 @@ bool Dribble::execute(Vector target) {
 }
 
 // The step aside from nextPoint, for the line from the player to `target`. For a look-ahead above
-// 1 m its length is the root of a negative number, and the point is not a number; there is no guard
-// on purpose: a joint target that is not a number is a joint that rests.
+// 1 m its length is the root of a negative number, and the point is not a number. There is no guard
+// on purpose: the gait only compares the bearing of its target, every comparison is false, and the
+// player walks straight on.
 Vector Dribble::sideStep(Vector target, float nam) const {
   const double L_a = -(target.getY() - selfPos.getY());
   const double L_b = target.getX() - selfPos.getX();

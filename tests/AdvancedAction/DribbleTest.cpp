@@ -192,8 +192,8 @@ PLAYER_TEST(DribbleTest, TheFirstStepThatFindsAnOpponentEndsTheSearch) {
   EXPECT_EQ(path.p.player.dribble->doshman, Vector(1, 2, 3));
 }
 
-// Beyond 1 m the side step is the root of a negative number: the point is not a number, and so are
-// the joint targets that follow from it, which the joint layer turns into rest.
+// Beyond 1 m the side step is the root of a negative number: the point is not a number. The answer
+// to the server stays whole.
 PLAYER_TEST(DribbleTest, AnOpponentBeyondOneMetreMakesThePointNotANumber) {
   Path path;
   path.p.see(1, 5, 4.15, 0, WEST);

@@ -228,7 +228,7 @@ std::string TestPlayer::percepts() {
     out << "(HJ (n " << name << ") (ax " << hinges.at(name).angle << "))";
   }
   if (!scene.heard.empty()) out << scene.heard;
-  out << see();
+  if (messages++ % seeEvery == 0) out << see();
   return out.str();
 }
 
@@ -245,11 +245,11 @@ std::string TestPlayer::polar(double px, double py, double pz) const {
   const double left = -dx * std::sin(pan) + dy * std::cos(pan);
   const double x = ahead * std::cos(tilt) + z * std::sin(tilt);
   const double up = -ahead * std::sin(tilt) + z * std::cos(tilt);
-  std::ostringstream out;
-  out << std::setprecision(12) << "(pol " << std::sqrt(x * x + left * left + up * up) << " "
-      << std::atan2(left, x) * 180 / M_PI << " " << std::atan2(up, std::hypot(x, left)) * 180 / M_PI
-      << ")";
-  return out.str();
+  std::array<char, 96> text{};
+  std::snprintf(text.data(), text.size(), "(pol %.8f %.8f %.8f)",
+                std::sqrt(x * x + left * left + up * up), std::atan2(left, x) * 180 / M_PI,
+                std::atan2(up, std::hypot(x, left)) * 180 / M_PI);
+  return text.data();
 }
 
 std::string TestPlayer::see() const {

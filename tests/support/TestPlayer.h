@@ -142,6 +142,7 @@ class TestPlayer {
   Scene scene;
   double time = 0;
   int beamsPerCycle = 0;  // frames to hold ready for beams of the decision
+  int seeEvery = 1;       // every how many messages hold vision; the league's server takes 3
 
  private:
   struct Hinge {
@@ -159,6 +160,7 @@ class TestPlayer {
   std::streambuf* formerOutput;
   std::unique_ptr<FakeServer> server;
   std::map<std::string, Hinge> hinges;
+  int messages = 0;
   double toldHeading = 0;  // what the gyro messages so far add up to
   TeamSide side;
   int number;

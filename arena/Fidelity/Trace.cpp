@@ -5,7 +5,6 @@
 #include <charconv>
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <stdexcept>
 
 #include "Physics/RobotModel.h"
@@ -43,11 +42,31 @@ std::optional<double> number(std::string_view text) {
   return value;
 }
 
-std::optional<Eigen::Vector3d> vectorAfter(const std::string& text, const std::string& prefix) {
-  const std::regex form(prefix + R"( ([-0-9.e]+) ([-0-9.e]+) ([-0-9.e]+)\))");
-  std::smatch match;
-  if (!std::regex_search(text, match, form)) return std::nullopt;
-  return Eigen::Vector3d(std::stod(match[1]), std::stod(match[2]), std::stod(match[3]));
+// The three numbers of a term "PREFIX X Y Z)"; nothing where no such term stands.
+std::optional<Eigen::Vector3d> vectorAfter(std::string_view text, const std::string& prefix) {
+  const std::string start = prefix + " ";
+  for (std::size_t at = text.find(start); at != std::string_view::npos; at = text.find(start, at)) {
+    at += start.size();
+    const std::size_t end = text.find(')', at);
+    if (end == std::string_view::npos) return std::nullopt;
+    const auto cells = split(text.substr(at, end - at), ' ');
+    if (cells.size() != 3) continue;
+    const auto x = number(cells[0]);
+    const auto y = number(cells[1]);
+    const auto z = number(cells[2]);
+    if (x && y && z) return Eigen::Vector3d(*x, *y, *z);
+  }
+  return std::nullopt;
+}
+
+// The digit of "robot type N;" with N from 0 to 4.
+std::optional<int> robotType(std::string_view text) {
+  constexpr std::string_view kStart = "robot type ";
+  const std::size_t at = text.find(kStart);
+  if (at == std::string_view::npos || text.size() < at + kStart.size() + 2) return std::nullopt;
+  const char digit = text[at + kStart.size()];
+  if (digit < '0' || digit > '4' || text[at + kStart.size() + 1] != ';') return std::nullopt;
+  return digit - '0';
 }
 
 // Looks cells of one line up by column name.
@@ -119,13 +138,11 @@ Trace readTrace(const std::string& path) {
   trace.name = std::filesystem::path(path).filename().string();
   trace.name = trace.name.substr(0, trace.name.find('.'));
 
-  const std::string head(lines.front());
-  std::smatch match;
-  if (lines.size() < 3 || !std::regex_search(head, match, std::regex("robot type ([0-4]);"))) {
-    throw std::runtime_error(path + " is not a recording");
-  }
-  trace.type = std::stoi(match[1]);
-  const bool of_robot = head.find("(agent") != std::string::npos;
+  const std::string_view head = lines.front();
+  const auto type = robotType(head);
+  if (lines.size() < 3 || !type) throw std::runtime_error(path + " is not a recording");
+  trace.type = *type;
+  const bool of_robot = head.find("(agent") != std::string_view::npos;
   const auto position = vectorAfter(head, "pos");
   (of_robot ? trace.setup.robot_position : trace.setup.ball_position) = position;
   trace.setup.ball_velocity = vectorAfter(head, "vel");

@@ -568,6 +568,7 @@ std::unique_ptr<MotionPlayer> makePlayer(const Options& options, Trainer* traine
                                     "--type",
                                     std::to_string(options.type)};
   std::vector<char*> argv;
+  argv.reserve(words.size());
   for (std::string& word : words) argv.push_back(word.data());
   return std::make_unique<MotionPlayer>(static_cast<int>(argv.size()), argv.data(), trainer,
                                         options.noise, options.seed);

@@ -1104,6 +1104,15 @@ TEST_F(ActionsTest, AKickFollowsASideGaitWithoutAnEndStep) {
   EXPECT_EQ(kick.stableState, 100);
 }
 
+// Tactical actions skip the neutral stance by clearing the flag themselves.
+TEST_F(ActionsTest, AClearedDemandLetsTheNextActionFollowTheGaitAtOnce) {
+  given(AT_OMNIWALK, true, true);
+  actions.endStepIsRequired = false;
+  EXPECT_FALSE(actions.ChangeAction(kick.unstable(kRight)));
+  EXPECT_EQ(actions.NowAction.actionType, AT_UNSTABLE_KICK);
+  EXPECT_EQ(kick.stableState, 100);
+}
+
 TEST_F(ActionsTest, AnOmniGaitRestartsAfterItsEndStep) {
   const Vector target(10, 0, 0);
   const auto ask = [&] { return actions.ChangeAction(walk.omniWalk(target, 1, 10, 0)); };

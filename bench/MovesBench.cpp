@@ -80,8 +80,7 @@ void HeadSweep(benchmark::State& state) {
 }
 BENCHMARK(HeadSweep);
 
-// --- through the arbiter, cycle by cycle on a body that obeys
-// -----------------------------------------
+// --- through the arbiter, cycle by cycle on a body that obeys ---
 
 void ArbiterStandUp(benchmark::State& state) {
   BenchBody body;

@@ -151,8 +151,7 @@ TEST_F(KickTest, LooksDownAtABallNearerThanAMetre) {
   expectDriven(body, down);
 }
 
-// --- unstable
-// --------------------------------------------------------------------------------------
+// --- unstable ---
 
 TEST_F(KickTest, FirstAndLastFrameSetTheResetsParametersAndMoveNothing) {
   Reset& reset = *body.agent.reset;
@@ -316,8 +315,7 @@ TEST_F(KickTest, TheKickInPlayGoesByTheRobotType) {
   }
 }
 
-// --- unstable1
-// -------------------------------------------------------------------------------------
+// --- unstable1 ---
 
 TEST_F(KickTest, StrongKickPoses) {
   for (int type : {0, 2}) {
@@ -485,8 +483,7 @@ TEST_F(KickTest, StrongKickDoesNotChooseTheSupportLeg) {
   EXPECT_EQ(kick.ankle[kRight], Vector(0, 0, 30));
 }
 
-// --- the sequences without a caller
-// ------------------------------------------------------------------
+// --- the sequences without a caller ---
 
 TEST_F(KickTest, StepAsideFollowsItsTable) {
   for (bool side : {kRight, kLeft}) {

@@ -162,8 +162,7 @@ TEST_F(RequestTest, TheFirstRequestRunsAtOnceWithoutAnEndStep) {
   }
 }
 
-// --- The state table, row by row
-// --------------------------------------------------------------------
+// --- The state table, row by row ---
 
 TEST_F(RequestTest, MayNotBeLeftAndDifferentTheRunningActionGoesOn) {
   for (bool endStepIsRequired : {false, true}) {
@@ -312,8 +311,7 @@ TEST_F(RequestTest, CheckEndIsASecondReasonForAnEndStep) {
   }
 }
 
-// --- Results
-// ----------------------------------------------------------------------------------------
+// --- Results ---
 
 // What each request yields in the very call in which the re-issued gait ends its step.
 TEST_F(RequestTest, ResultWhenTheReissuedGaitEndsItsStep) {
@@ -513,8 +511,7 @@ TEST_F(ActionsTest, TurnAroundBallFollowsTheStateTable) {
   EXPECT_NE(body.takeLog().find("turn Arond ball execute"), std::string::npos);
 }
 
-// --- Gaits
-// ------------------------------------------------------------------------------------------
+// --- Gaits ---
 
 struct GaitCase {
   const char* name;
@@ -639,8 +636,7 @@ TEST_F(ActionsTest, EveryWalkRequestWritesTheEndStepBookkeeping) {
   expectWritten();
 }
 
-// --- endStep
-// ----------------------------------------------------------------------------------------
+// --- endStep ---
 
 TEST_F(ActionsTest, EndStepChangesNothingUntilTheStanceIsReached) {
   given(AT_OMNIWALK, true, true);
@@ -727,11 +723,13 @@ TEST_F(ActionsTest, ATurnThatRunsTakesADueEndStepFirst) {
   EXPECT_GT(turn.count, 1);
 }
 
-// --- Stand-up
-// ---------------------------------------------------------------------------------------
+// --- Stand-up ---
 
 TEST_F(ActionsTest, AStandUpTakesOverInMidStep) {
-  for (const auto& set : {&StandUp::front, &StandUp::back, &StandUp::flip}) {
+  const std::function<StandUp*()> setters[] = {[&] { return standUp.front(); },
+                                               [&] { return standUp.back(); },
+                                               [&] { return standUp.flip(); }};
+  for (const auto& set : setters) {
     walkForwardMidStep();
     walk._forWalk->lx = 40;
     given(AT_FORWALK, false, true);
@@ -740,7 +738,7 @@ TEST_F(ActionsTest, AStandUpTakesOverInMidStep) {
     standUp.standUpBState = 4;
     body.placeAll(10);
     body.markCommands();
-    EXPECT_FALSE(actions.ChangeAction((standUp.*set)()));
+    EXPECT_FALSE(actions.ChangeAction(set()));
     EXPECT_FALSE(actions.endStepIsRequired);
     EXPECT_FALSE(actions.checkEnd);
     EXPECT_FALSE(actions.preAction);
@@ -813,8 +811,7 @@ TEST_F(ActionsTest, AStandUpIsFinishedBeforeAnyOtherAction) {
   }
 }
 
-// --- decideChangeAction
-// -------------------------------------------------------------------------------
+// --- decideChangeAction ---
 
 class ReissueTest : public ActionsTest {
  protected:
@@ -1015,8 +1012,7 @@ TEST_F(ReissueTest, ATypeThatNamesNoActionRunsNothing) {
   }
 }
 
-// --- Whole sequences
-// -----------------------------------------------------------------------------------
+// --- Whole sequences ---
 
 // Walk, kick, walk: the remaining cycles of the step, the end step, the kick from its first frame,
 // and the gait from its stance.

@@ -69,6 +69,11 @@ class Chronicle {
     if (report_file_.empty()) return;
     report_.observe(match.scene(), match.game(), referee.goals(), referee.fouls(),
                     referee.lastTouch());
+    for (const arena::SceneRobot& robot : match.scene().robots) {
+      if (robot.side == arena::Side::None) continue;
+      const arena::Match::Calls calls = match.calls(robot.handle);
+      report_.noteCalls(robot.side, robot.number, calls.said, calls.heard);
+    }
     for (const arena::Match::AgentId agent : cycle.late)
       for (const arena::SceneRobot& robot : match.scene().robots)
         if (robot.handle == agent && robot.side != arena::Side::None)

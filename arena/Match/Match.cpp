@@ -83,6 +83,11 @@ bool Match::hasScene(AgentId id) const {
   return agent != nullptr && (agent->scene || agent->built);
 }
 
+Match::Calls Match::calls(AgentId id) const {
+  const Agent* agent = find(id);
+  return agent == nullptr ? Calls{} : agent->calls;
+}
+
 const std::string& Match::percept(AgentId id) const {
   static const std::string nothing;
   const Agent* agent = find(id);
@@ -338,6 +343,9 @@ void Match::makePercepts() {
     for (const Utterance& utterance : said_) {
       agent->hearing.hear(utterance, agent->id, agent->side, robot->torsoPose().translation());
     }
+    agent->calls = {std::any_of(said_.begin(), said_.end(),
+                                [&](const Utterance& u) { return u.speaker == agent->id; }),
+                    agent->hearing.heard()};
     std::string& text = agent->percept;
     text.clear();
     text += "(time (now ";

@@ -52,6 +52,13 @@ class Match {
   // cannot be understood is ignored. Unknown agents: no effect.
   void receive(AgentId agent, std::string_view frame);
 
+  // What the agent said and heard in the last cycle; the own voice does not count as heard.
+  struct Calls {
+    bool said = false;
+    int heard = 0;
+  };
+  Calls calls(AgentId agent) const;
+
   // Whether the agent has asked for its robot.
   bool hasScene(AgentId agent) const;
   // The message for this cycle; empty as long as there is none. An agent whose robot was taken away
@@ -107,6 +114,7 @@ class Match {
     Vision vision;
     Random beam_noise;
     Hearing hearing;
+    Calls calls;
     std::string percept;
     std::set<std::string, std::less<>> warned;  // what has been logged about it
   };

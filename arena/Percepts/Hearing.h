@@ -31,6 +31,8 @@ class Hearing {
   // `self`: handle; `side`, `place`: of the hearer (torso, m, world). A robot without a team hears
   // nothing. Everything on the pitch and around it up to 50 m away is in range.
   void hear(const Utterance& utterance, int self, Side side, const Eigen::Vector3d& place);
+  // Messages of others that are heard in this cycle.
+  int heard() const { return (mates_.message ? 1 : 0) + (opponents_.message ? 1 : 0); }
   // Appends a hear expression for each: own, team-mate, opponent. `time`: game time, s.
   void write(const std::array<std::string, 2>& team_names, double time, std::string& text) const;
 

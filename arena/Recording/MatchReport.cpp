@@ -109,6 +109,8 @@ std::string MatchReport::json() const {
     for (const auto& [type, count] : player.fouls)
       entry["fouls"][kFoulNames[static_cast<std::size_t>(type)]] = count;
     entry["late_answers"] = player.lateAnswers;
+    entry["said"] = player.said;
+    entry["heard"] = player.heard;
     report["players"].push_back(entry);
   }
   return report.dump(2, ' ', false, ordered_json::error_handler_t::replace);

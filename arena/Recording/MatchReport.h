@@ -25,6 +25,11 @@ class MatchReport {
                std::span<const FoulEvent> fouls, const Touch& lastTouch);
   // The player's answer was not there when the cycle needed it.
   void noteLateAnswer(Side side, int number) { ++players_[{side, number}].lateAnswers; }
+  // What the player said in a cycle, and how many messages of others it heard.
+  void noteCalls(Side side, int number, bool said, int heard) {
+    players_[{side, number}].said += said ? 1 : 0;
+    players_[{side, number}].heard += heard;
+  }
 
   // The report as JSON text, indented.
   std::string json() const;
@@ -37,6 +42,8 @@ class MatchReport {
     double distance = 0;  // m
     int falls = 0;
     int lateAnswers = 0;
+    int said = 0;
+    int heard = 0;  // of others
     std::map<FoulType, int> fouls;
     // Watching the torso.
     bool seen = false;

@@ -310,6 +310,9 @@ TEST_F(MatchReportTest, GoalsFoulsAndLateAnswersAreListed) {
   report.observe(scene, game, goals, fouls, Touch());
   report.noteLateAnswer(Side::Left, 2);
   report.noteLateAnswer(Side::Left, 2);
+  report.noteCalls(Side::Left, 2, true, 0);
+  report.noteCalls(Side::Left, 2, false, 2);
+  report.noteCalls(Side::Left, 2, true, 1);
   const auto json = nlohmann::json::parse(report.json());
   EXPECT_EQ(json["teams"]["left"]["name"], "Alpha");
   EXPECT_EQ(json["teams"]["left"]["score"], 1);
@@ -323,6 +326,8 @@ TEST_F(MatchReportTest, GoalsFoulsAndLateAnswersAreListed) {
   EXPECT_EQ(player()["fouls"]["charging"], 1);
   EXPECT_EQ(player()["fouls"]["self-collision"], 1);
   EXPECT_EQ(player()["late_answers"], 2);
+  EXPECT_EQ(player()["said"], 2);
+  EXPECT_EQ(player()["heard"], 3);
 }
 
 }  // namespace

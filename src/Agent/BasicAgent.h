@@ -55,8 +55,7 @@ class BasicAgent : public Robot {
 
   // Leg angles for a torso and an ankle position (millimetres) by the closed form of
   // InverseKinematic::legSolver, which gives them in degrees. side and the rotations take no part.
-  // REQUIRES: theta has room for seven numbers, joints 1 to 6 at their own
-  // index. Always true.
+  // REQUIRES: theta has room for seven numbers, joints 1 to 6 at their own index. Always true.
   bool solveIkLeg(Vector torso, Vector ankle, double* theta, bool side, double xRot, double yRot,
                   double zRot);
 

@@ -6,8 +6,8 @@
 
 namespace {
 
-// A target repeated this often counts as reached by a joint that cannot get nearer (under load, or
-// against a stop) ...
+// A target repeated more often than this counts as reached by a joint that cannot get nearer (under
+// load, or against a stop) ...
 constexpr int kStallRepeats = 199;
 // ... provided that it is nearer than this, degrees.
 constexpr float kStallReach = 6;

@@ -39,7 +39,7 @@ class JointController {
   float lastAngle = 0;     // value sent in the previous cycle: degrees still under way
   float MaxAngle = 0;   // the joint's range, degrees: declared for it, read and written by nobody
   float MinAngle = 0;   // likewise
-  float Angle = 0;      // value to send in this cycle
+  float Angle = 0;      // value to send in this cycle: degrees to travel in it
   double preAngle = 0;  // read and written by nobody
   double preValue = 0;  // last target for which a value was computed, degrees
   int count = 0;        // calls in a row that repeated preValue

@@ -1,7 +1,6 @@
 #include "Agent/BasicAgent.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <limits>
@@ -9,7 +8,7 @@
 #include <vector>
 
 #include "Kinematics/InverseKinematic.h"
-#include "Utilities/Config.h"
+#include "support/ConfigSandbox.h"
 
 namespace {
 
@@ -17,9 +16,8 @@ namespace {
 class BasicAgentTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_EQ(chdir(QUOLNARIS_SOURCE_DIR), 0);
-    config.addFiles();
-    config["Agent"]["Public"].add("Type", "0");
+    sandbox.loadDeployment();
+    sandbox.set("Agent", "Public", "Type", "0");
     agent.WM = new WorldModel;
     BodyController& body = agent.bControl;
     for (int side = 0; side < 2; ++side) {
@@ -52,6 +50,7 @@ class BasicAgentTest : public ::testing::Test {
 
   void parse(const std::string& text) { agent.WM->update(text); }
 
+  support::ConfigSandbox sandbox;
   BasicAgent agent;
 };
 
@@ -67,7 +66,7 @@ TEST_F(BasicAgentTest, SingleJointCommandsReachTheNamedJoint) {
 }
 
 TEST_F(BasicAgentTest, TheLimitIsSixAlsoForTheAnklesOfTypeTwo) {
-  config["Agent"]["Public"].add("Type", "2");
+  sandbox.set("Agent", "Public", "Type", "2");
   agent.setLeg(5, false, 90, 100, 1);
   agent.setLeg(6, true, -90, 100, 1);
   EXPECT_EQ(agent.bControl.legController[0][4].Angle, 6);
@@ -207,6 +206,19 @@ TEST_F(BasicAgentTest, TheChainBridgeReportsAnUnreachableTarget) {
   EXPECT_LT(theta[4], -1);  // a lower torso bends the knee
 }
 
+TEST_F(BasicAgentTest, TheChainBridgeIsTheChainSolverOfItsSideWithItsRotations) {
+  const Vector torso(10, -5, -40), ankle(-5, 10, 5);
+  const std::vector<double> anyPose(6, 0.0);
+  for (bool side : {false, true}) {
+    double direct[7] = {};
+    double bridged[7] = {};
+    ASSERT_TRUE(
+        InverseKinematic().legSolver(torso, ankle, direct, side, anyPose, 0.05, -0.1, 0.15));
+    ASSERT_TRUE(agent.solveIkLeg1(torso, ankle, bridged, side, 0.05, -0.1, 0.15));
+    for (int i = 0; i < 7; ++i) EXPECT_EQ(bridged[i], direct[i]) << side << ' ' << i;
+  }
+}
+
 // Centre of mass by hand: mass times position of the parts, the torso at the origin.
 TEST_F(BasicAgentTest, CentreOfMassWeighsTheElevenParts) {
   parse(
@@ -274,6 +286,95 @@ TEST_F(BasicAgentTest, TheHigherFootAloneCounts) {
   agent.bControl.legController[1][2].joint->setAngle(0);
   agent.bControl.legController[0][2].joint->setAngle(-60);
   EXPECT_EQ(agent.isInCOM(), BACK);
+}
+
+TEST_F(BasicAgentTest, LevelFeetMustBothLieInFrontOrBehind) {
+  // One foot 0.14 in front of the hip and the other as far behind, at one height: a straight leg
+  // from hip to sole leans forward by 2.6 degrees at angle 0.
+  for (int front : {0, 1}) {
+    agent.bControl.legController[front][2].joint->setAngle(38);
+    agent.bControl.legController[1 - front][2].joint->setAngle(-43.2F);
+    EXPECT_EQ(agent.isInCOM(), NONE);
+    ASSERT_NEAR(agent.fwd.leftLeg(2, 3), agent.fwd.rightLeg(2, 3), 0.001);
+    ASSERT_GT(agent.fwd.leftLeg(0, 3) * (front == 0 ? 1 : -1), 0.12);
+  }
+}
+
+TEST_F(BasicAgentTest, EachOfTwoLevelFeetTellsItsOwnSide) {
+  agent.bControl.legController[0][1].joint->setAngle(5);
+  EXPECT_EQ(agent.isInCOM(), LEFT);
+  ASSERT_NEAR(agent.fwd.leftLeg(2, 3), agent.fwd.rightLeg(2, 3), 0.005);
+  agent.bControl.legController[0][1].joint->setAngle(0);
+  agent.bControl.legController[1][1].joint->setAngle(-5);
+  EXPECT_EQ(agent.isInCOM(), RIGHT);
+}
+
+TEST_F(BasicAgentTest, TheHigherFootTellsBothSides) {
+  const auto verdict = [this](bool side, float roll) {
+    for (int i = 0; i < 2; ++i) agent.bControl.legController[i][1].joint->setAngle(0);
+    agent.bControl.legController[side][1].joint->setAngle(roll);
+    return agent.isInCOM();
+  };
+  EXPECT_EQ(verdict(false, 20), LEFT);
+  EXPECT_EQ(verdict(true, -20), RIGHT);
+  EXPECT_EQ(verdict(false, -45), RIGHT) << "the left foot, crossed over";
+  EXPECT_EQ(verdict(true, 45), LEFT) << "the right foot, crossed over";
+}
+
+TEST_F(BasicAgentTest, InFrontWinsOverAside) {
+  agent.bControl.legController[0][1].joint->setAngle(30);
+  EXPECT_EQ(agent.isInCOM(), LEFT);
+  agent.bControl.legController[0][2].joint->setAngle(60);
+  EXPECT_EQ(agent.isInCOM(), FRONT);
+}
+
+TEST_F(BasicAgentTest, FeetAreLevelUpToFiveMillimetres) {
+  // The outer foot alone tells a side, and is the lower one: it counts as long as both do.
+  int level = 0, uneven = 0;
+  for (bool outer : {false, true}) {
+    const float outward = outer ? -1 : 1;
+    agent.bControl.legController[outer][1].joint->setAngle(5 * outward);
+    for (int i = 0; i <= 1500; ++i) {
+      const float inward = 12.5F + 0.001F * static_cast<float>(i);
+      agent.bControl.legController[!outer][1].joint->setAngle(inward * outward);
+      const COMD verdict = agent.isInCOM();
+      const double a = agent.fwd.leftLeg(2, 3) - agent.fwd.rightLeg(2, 3);
+      const bool both = std::fabs(a) <= 0.005;
+      ASSERT_EQ(verdict, !both ? NONE : outer ? RIGHT : LEFT) << a;
+      ++(both ? level : uneven);
+    }
+    agent.bControl.legController[!outer][1].joint->setAngle(0);
+    agent.bControl.legController[outer][1].joint->setAngle(0);
+  }
+  EXPECT_GT(level, 200);
+  EXPECT_GT(uneven, 200);
+}
+
+TEST_F(BasicAgentTest, FeetAreInFrontBehindOrAsideFromTheirDistancesOn) {
+  const auto sweep = [this](int joint, int side, COMD low, COMD high, double reach, int column) {
+    int counts[3] = {};
+    for (float angle = -60; angle <= 60; angle += 0.05F) {
+      for (int i = 0; i < 2; ++i) {
+        const bool still = side != 2 && i != side;
+        agent.bControl.legController[i][joint].joint->setAngle(still ? 0 : angle);
+      }
+      const COMD verdict = agent.isInCOM();
+      const Vector com = agent.findCOM();
+      Matrix<4, 4>& foot = side == 0 ? agent.fwd.leftLeg : agent.fwd.rightLeg;
+      const double d = foot(column, 3) - (column == 0 ? com.x : com.y);
+      if (std::fabs(std::fabs(d) - reach) < 1e-6) continue;
+      if (side != 2 && std::fabs(agent.fwd.leftLeg(2, 3) - agent.fwd.rightLeg(2, 3)) < 0.0051) {
+        continue;  // level feet, of which the other one may count
+      }
+      ASSERT_EQ(verdict, d < -reach ? low : d > reach ? high : NONE) << angle << ' ' << d;
+      ++counts[d < -reach ? 0 : d > reach ? 2 : 1];
+    }
+    for (int i = 0; i < 2; ++i) agent.bControl.legController[i][joint].joint->setAngle(0);
+    for (int count : counts) EXPECT_GT(count, 20) << "joint " << joint << " side " << side;
+  };
+  sweep(2, 2, BACK, FRONT, 0.1, 0);   // both legs swung
+  sweep(1, 0, RIGHT, LEFT, 0.06, 1);  // the left leg raised aside
+  sweep(1, 1, RIGHT, LEFT, 0.06, 1);  // the right one
 }
 
 TEST_F(BasicAgentTest, AFallWinsOverEveryPose) {

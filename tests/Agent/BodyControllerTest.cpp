@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Utilities/Config.h"
+#include "Kinematics/RobotType.h"
 
 namespace {
 
@@ -23,12 +23,6 @@ class BodyControllerTest : public ::testing::Test {
     }
     for (int i = 0; i < 2; ++i) bind(body.headController[i], "he" + std::to_string(i + 1));
     body.adjustJoints();
-  }
-
-  void setType(const char* type) {
-    config.add("Agent");
-    config["Agent"].addGroup("Public");
-    config["Agent"]["Public"].add("Type", type);
   }
 
   void bind(JointController& controller, const std::string& name) {
@@ -85,7 +79,7 @@ TEST_F(BodyControllerTest, RefreshesAllTwentyFourControllers) {
 }
 
 TEST_F(BodyControllerTest, SetJointDrivesHeadAndArmsWithTheCommonLimit) {
-  setType("0");
+  const RobotType standard(0);
   EXPECT_FALSE(body.setJoint(0, 2, false, 90, 100, 1));
   EXPECT_EQ(body.headController[1].Angle, 6);
   EXPECT_FALSE(body.setJoint(1, 3, true, 12, 100, 1));
@@ -95,8 +89,8 @@ TEST_F(BodyControllerTest, SetJointDrivesHeadAndArmsWithTheCommonLimit) {
 }
 
 TEST_F(BodyControllerTest, SetJointLeavesTheLegsOfOtherTypesAlone) {
-  for (const char* type : {"0", "1", "3", "4"}) {
-    setType(type);
+  for (int type : {0, 1, 3, 4}) {
+    const RobotType configured(type);
     for (int jointNo = 1; jointNo <= 7; ++jointNo) {
       EXPECT_TRUE(body.setJoint(2, jointNo, true, 90, 100, 1)) << type << " " << jointNo;
       EXPECT_EQ(body.legController[1][jointNo - 1].Angle, 0);
@@ -105,7 +99,7 @@ TEST_F(BodyControllerTest, SetJointLeavesTheLegsOfOtherTypesAlone) {
 }
 
 TEST_F(BodyControllerTest, SetJointDrivesTheAnklesOfTypeTwoWithTheirOwnLimits) {
-  setType("2");
+  const RobotType two(2);
   EXPECT_FALSE(body.setJoint(2, 5, false, 90, 100, 1));
   EXPECT_EQ(body.legController[0][4].Angle, 8.80667F);
   EXPECT_FALSE(body.setJoint(2, 6, true, -90, 100, 1));
@@ -122,7 +116,7 @@ TEST_F(BodyControllerTest, SetJointOfAnotherTypeDoesNothing) {
 }
 
 TEST_F(BodyControllerTest, FastSetJointReachesEveryJointWithTheCommonLimit) {
-  setType("2");
+  const RobotType two(2);
   EXPECT_TRUE(body.fastSetJoint(0, 1, false, -90));
   EXPECT_EQ(body.headController[0].Angle, -6);
   EXPECT_TRUE(body.fastSetJoint(1, 4, true, 11));

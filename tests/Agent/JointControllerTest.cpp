@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
+
+#include "Kinematics/Draws.h"
 
 namespace {
 
@@ -143,6 +146,87 @@ TEST(JointController, ANewCycleTakesTheSensedAngleAndClearsTheCommand) {
   EXPECT_EQ(c.Angle, 0);
   c.adjustAngles();
   EXPECT_EQ(c.lastAngle, 0);
+}
+
+// In single precision 2^24 + 1 is 2^24. The tolerance looks at (target - sensed) - under way, which
+// is 1 here; the command at target - (under way + sensed), which is 0.
+TEST(JointController, ToleranceAndCommandRoundInTheirOwnOrder) {
+  JointController c;
+  c.currentAngle = 16777216;
+  c.lastAngle = 1;
+  EXPECT_FALSE(c.setAngle(16777216, 100, 0.5, 6));
+  EXPECT_EQ(c.Angle, 0);
+  EXPECT_EQ(c.preValue, 16777216);
+}
+
+// The law once more, rule by rule, beside a controller that follows a joint through many motions:
+// targets that jump, creep, last for seconds or are no numbers, on a joint that lags or is stuck.
+TEST(JointController, FollowsTheLawOverLongSequencesOfSensedAngles) {
+  constexpr int kCycles = 200000;
+  constexpr float kLimit = 6;
+  CaseCount arrivals("joints arrived", 10000);
+  CaseCount stalls("joints that arrived by the stall rule alone", 1000);
+  CaseCount clipped("values cut to the limit", 10000);
+  CaseCount free("values below the limit", 10000);
+  CaseCount notNumbers("targets that are no numbers", 100);
+  Draws draws(7);
+  const auto between = [&draws](double low, double high) {
+    return static_cast<float>(draws.between(low, high));
+  };
+
+  Joint joint("rle4", 0);
+  JointController c(&joint);
+  float target = 0, gain = 0, error = 0, stiffness = 0;
+  float sent = 0;
+  double remembered = 0;
+  int repeats = 0;
+  for (int cycle = 0; cycle < kCycles; ++cycle) {
+    if (draws.oneOf(300) == 0) {
+      target = between(-120, 120);
+      gain = between(1, 100);
+      error = between(0, 5);
+      stiffness = draws.oneOf(2) == 0 ? 0 : between(0, 1);  // 0: the joint is stuck
+      if (stiffness == 0) target = joint.getAngle() + between(-8, 8);
+    }
+    const float moved = stiffness * sent + between(-0.01, 0.01) * stiffness;
+    const float sensed = joint.getAngle() + moved;
+    const float pending = sent;
+    joint.setAngle(sensed);
+    c.adjustAngles();
+    ASSERT_EQ(c.currentAngle, sensed);
+    ASSERT_EQ(c.lastAngle, pending);
+
+    if (draws.oneOf(1000) == 0) {
+      ASSERT_TRUE(c.setAngle(std::nanf(""), gain, error, kLimit));
+      ASSERT_EQ(c.Angle, 0);
+      ASSERT_EQ(c.count, repeats);
+      ASSERT_EQ(c.preValue, remembered);
+      sent = 0;
+      notNumbers.count();
+      continue;
+    }
+    const bool same = target == remembered;
+    repeats = same ? repeats + 1 : 0;
+    const float away = target - sensed;
+    const float rest = std::fabs(away - pending);
+    const bool stalled = same && repeats >= 200 && rest < 6;
+    const bool arrived = rest < error || stalled;
+    ASSERT_EQ(c.setAngle(target, gain, error, kLimit), arrived) << "cycle " << cycle;
+    ASSERT_EQ(c.count, repeats);
+    if (arrived) {
+      ASSERT_EQ(c.Angle, 0);
+      (rest < error ? arrivals : stalls).count();
+    } else {
+      const float expectedAngle = pending + sensed;
+      const float part = gain / 100.0F;
+      const float value = part * (target - expectedAngle);
+      ASSERT_EQ(c.Angle, value > kLimit ? kLimit : value < -kLimit ? -kLimit : value);
+      (std::fabs(value) > kLimit ? clipped : free).count();
+      remembered = target;
+    }
+    ASSERT_EQ(c.preValue, remembered);
+    sent = c.Angle;
+  }
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "Kinematics/BodyModel.h"
 #include "Kinematics/Draws.h"
+#include "Kinematics/ForwardKinematic.h"
 #include "Kinematics/NAOKinematics.h"
 #include "Kinematics/RobotType.h"
 
@@ -264,6 +265,19 @@ TEST(InverseKinematic, PiIsCoarse) {
   EXPECT_EQ(theta[6], -theta[2]);
 }
 
+TEST(InverseKinematic, QuotientOfTheHipRollIsSinglePrecision) {
+  const RobotType standard(0);
+  int unlikeDouble = 0;
+  for (int y = 1; y <= 40; ++y) {
+    // Whole numbers: the hip is y to the left of the ankle and 220 above it.
+    const Theta theta = legSolver(Vector(0, static_cast<float>(y), 0), Vector(0, 0, 0));
+    const float quotient = static_cast<float>(y) / 220.0f;
+    EXPECT_NEAR(theta[2], -std::atan(static_cast<double>(quotient)) * 180 / 3.1415, 1e-13) << y;
+    if (std::fabs(theta[2] + std::atan(y / 220.0) * 180 / 3.1415) > 1e-10) ++unlikeDouble;
+  }
+  EXPECT_GT(unlikeDouble, 20);
+}
+
 TEST(InverseKinematic, HipAtTheHeightOfTheAnkleRollsByARightAngle) {
   const RobotType standard(0);
   const double right = (kPi / 2) * 180 / 3.1415;
@@ -316,6 +330,37 @@ TEST(InverseKinematic, CorrectionTakesThePitchAndRollOutOfTheFootInOneStep) {
     EXPECT_GT(tilt(-theta[2]), 0.5) << "without the correction";
     EXPECT_LT(tilt(theta[6]), 0.2);
   }
+}
+
+TEST(InverseKinematic, CorrectionIsFormedInSinglePrecisionAndWithTheCoarsePi) {
+  const RobotType standard(0);
+  int unlikeDouble = 0;
+  CaseCount cases("corrections", 100);
+  for (const bool side : {kLeft, kRight}) {
+    for (int n = 1; n <= 60; ++n) {
+      const double eng1 = -30 + n;
+      const Theta theta =
+          legSolverWith1(Vector(3, 2, -30), Vector(0, 0, static_cast<float>(n)), side, eng1);
+      // The ankle before the correction, which follows from the joints above it.
+      const double pitch = -(theta[4] + 0.476474) - (theta[3] - 0.217967) + 0.258508;
+      const double roll = -theta[2];
+      ForwardKinematic fwd;
+      if (side) {
+        fwd.setRightLeg(theta[1], theta[2], theta[3], theta[4], pitch, roll);
+      } else {
+        fwd.setLeftLeg(theta[1], theta[2], theta[3], theta[4], pitch, roll);
+      }
+      const Vector r = side ? fwd.rightLegRotation : fwd.leftLegRotation;
+      const float ry180 = r.y * 180.0f, rx180 = r.x * 180.0f;
+      ASSERT_NEAR(theta[5], pitch - ry180 / 3.1415, 1e-12) << eng1;
+      ASSERT_NEAR(theta[6], roll - rx180 / 3.1415, 1e-12) << eng1;
+      if (std::fabs(theta[5] - (pitch - static_cast<double>(r.y) * 180 / 3.1415)) > 1e-10) {
+        ++unlikeDouble;
+      }
+      cases.count();
+    }
+  }
+  EXPECT_GT(unlikeDouble, 20);
 }
 
 // Left and right joints for a pose and its mirror image.

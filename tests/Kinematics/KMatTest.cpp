@@ -815,6 +815,24 @@ TEST(KMatTransformInverse, AgreesWithEigenAndKeepsSourcesWhole) {
   }
 }
 
+TEST(KMatTransformInverse, TheIdentityFlagIsBelievedWhereTheDiagonalAloneBearsIt) {
+  Transform shear = translation(1, 2, 3);
+  shear.A.get(0, 1) = 5;
+  shear.check();
+  ASSERT_TRUE(shear.AisIdentity);
+  Transform inverse = shear;
+  inverse.fast_invert();
+  EXPECT_EQ(inverse.read(0, 1), 5);
+  EXPECT_EQ(inverse.read(0, 3), -1);
+  EXPECT_EQ(inverse.read(1, 3), -2);
+  // Likewise in a product: the shear is lost from the rotation, and acts on the translation.
+  const Transform right = translation(0, 1, 0);
+  shear.fast_mult(right);
+  EXPECT_EQ(shear.A.h, right.A.h);
+  EXPECT_EQ(shear.read(0, 1), 0);
+  EXPECT_EQ(shear.read(0, 3), 1 + 5);
+}
+
 // Equality by size.
 
 TEST(KMatAlmostEqual, SeesThePositionAndNotTheRotation) {

@@ -41,6 +41,35 @@ TEST(DegreeTest, InverseFunctionsUndoTheFunctions) {
   }
 }
 
+TEST(DegreeTest, ArithmeticInsideIsDouble) {
+  constexpr double kRadian = 0.017453292519943295;
+  constexpr double kDegree = 57.29577951308232;
+  std::mt19937 random(2);
+  std::uniform_real_distribution<float> angle(-360, 360);
+  std::uniform_real_distribution<float> ratio(-1, 1);
+  int unlikeFloat = 0;
+  for (int i = 0; i < 1000; ++i) {
+    const double a = angle(random);
+    const float f = static_cast<float>(a);
+    EXPECT_EQ(Degree::sin(f), static_cast<float>(std::sin(a * kRadian)));
+    EXPECT_EQ(Degree::cos(f), static_cast<float>(std::cos(a * kRadian)));
+    EXPECT_EQ(Degree::tan(f), static_cast<float>(std::tan(a * kRadian)));
+    EXPECT_EQ(Degree::cot(f), static_cast<float>(1 / std::tan(a * kRadian)));
+    if (Degree::sin(f) != std::sin(f * static_cast<float>(kRadian))) ++unlikeFloat;
+
+    const double x = ratio(random), y = ratio(random);
+    const float g = static_cast<float>(x), h = static_cast<float>(y);
+    EXPECT_EQ(Degree::arcSin(g), static_cast<float>(std::asin(x) * kDegree));
+    EXPECT_EQ(Degree::arcCos(g), static_cast<float>(std::acos(x) * kDegree));
+    EXPECT_EQ(Degree::arcTan(g), static_cast<float>(std::atan(x) * kDegree));
+    EXPECT_EQ(Degree::arcTan2(h, g), static_cast<float>(std::atan2(y, x) * kDegree));
+    // But for the one quotient that is single precision.
+    const double quotient = 1.0f / g;
+    EXPECT_EQ(Degree::arcCot(g), static_cast<float>(std::atan(quotient) * kDegree));
+  }
+  EXPECT_GT(unlikeFloat, 100);
+}
+
 TEST(DegreeTest, ArcCotOfANegativeNumberStaysNegative) {
   EXPECT_FLOAT_EQ(Degree::arcCot(-1), -45.0f);
   EXPECT_FLOAT_EQ(Degree::arcCot(0), 90.0f);  // the quotient is an infinity

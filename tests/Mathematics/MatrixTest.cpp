@@ -353,6 +353,19 @@ TEST(MatrixTest, InverseIsAdjugateOverDeterminant) {
       {{{-0.5, 1, 1.5, 0}, {0.75, -0.5, -0.75, 0}, {-0.25, 0.5, 0.25, 0}, {0, 0, 0, 0.25}}});
 }
 
+TEST(MatrixTest, InverseNarrowsTheAdjugateAndTheReciprocalOfTheDeterminant) {
+  // A third in single precision, times adjugates of 1 and 3 in double.
+  const double third = static_cast<double>(1.0f / 3);
+  ASSERT_NE(third, 1.0 / 3);
+  const Matrix4 m = matrixOf({{{3, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}});
+  expectElements(
+      m.inverseMatrix(),
+      {{{third, 0, 0, 0}, {0, 3 * third, 0, 0}, {0, 0, 3 * third, 0}, {0, 0, 0, third}}});
+  // What a float cannot hold beside 1 is lost from each adjugate.
+  const Matrix4 n = matrixOf({{{1, 0, 0, 0}, {0, 1 + 1e-12, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}});
+  expectElements(n.inverseMatrix(), kIdentity);
+}
+
 TEST(MatrixTest, InverseOfARotationIsItsTranspose) {
   std::mt19937 random(4);
   for (int n = 0; n < 1000; ++n) {

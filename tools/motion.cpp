@@ -392,6 +392,14 @@ std::vector<MotionKind> allMotions(const Options& options, const Place& start) {
   };
 }
 
+// Throws where there is none of that name.
+MotionKind findMotion(const Options& options, const Place& start) {
+  for (const MotionKind& kind : allMotions(options, start)) {
+    if (options.motion == kind.name) return kind;
+  }
+  throw std::runtime_error("there is no motion named " + options.motion);
+}
+
 std::string text(double value) {
   char buffer[32];
   std::snprintf(buffer, sizeof(buffer), "%.3f", value);
@@ -409,8 +417,8 @@ class Run {
       : options_(options), player_(player), trainer_(trainer) {}
 
   std::vector<MotionSample> operator()() {
+    const MotionKind motion = findMotion(options_, start_);
     player_.shakeHands();
-    const MotionKind motion = find();
     comeToTheStart();
     prepare(motion.start);
     start_ = player_.place();
@@ -418,13 +426,6 @@ class Run {
   }
 
  private:
-  MotionKind find() const {
-    for (const MotionKind& kind : allMotions(options_, start_)) {
-      if (options_.motion == kind.name) return kind;
-    }
-    throw std::runtime_error("there is no motion named " + options_.motion);
-  }
-
   // Upright at the start of the run, facing the opponent's goal, with the game on: before the
   // kick-off the player takes itself to face the goal whatever it does.
   void comeToTheStart() {
@@ -575,6 +576,7 @@ std::unique_ptr<MotionPlayer> makePlayer(const Options& options, Trainer* traine
 }
 
 void run(const Options& options) {
+  findMotion(options, Place());  // before anything is connected
   std::unique_ptr<Trainer> trainer;
   if (options.trainerPort != 0) {
     trainer = std::make_unique<Trainer>(options.host, options.trainerPort);

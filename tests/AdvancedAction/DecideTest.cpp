@@ -271,6 +271,19 @@ PLAYER_TEST(DecideTest, NobodyChoosesToWalkBackwardNearItsOwnGoal) {
   EXPECT_EQ(p.player.decide->decideState, 6);
 }
 
+// Straight behind, to face forward again, near the own goal: stepping there costs the same to either
+// side (75 to turn, 50, 1 / 0.00876, 75 to turn back) and less than walking forward there (350 and
+// 1 / 0.016). The way to the left is never taken as the least, but it is the first that equals it.
+PLAYER_TEST(DecideTest, TheWayToTheLeftIsChosenByEqualityAlone) {
+  TestPlayer p(5);
+  p.me(-13, 0);
+  p.arm();
+  p.player.decide->find(Vector(-14, 0, 0), Vector(15, 0, 0), 20, 0.1);
+  EXPECT_EQ(p.player.decide->decideState, 7);
+  EXPECT_NEAR(p.player.decide->bestTime, 200 + 1 / 0.00876, 1e-2);
+  EXPECT_EQ(p.player.turn->finalAngle, 90);
+}
+
 PLAYER_TEST(DecideTest, AnImpossiblyFarTargetChangesNothing) {
   TestPlayer p(5);
   p.me(0, 0);

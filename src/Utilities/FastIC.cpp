@@ -239,14 +239,15 @@ void FastIC::settle() {
     fastestTeammateIsAlive = true;
   }
   if (!isAlive) return;
+  // The opponent wins ties and near ties.
+  crown(fastestOpponent.reachCycle - 1 <= fastestTeammate.reachCycle);
+}
 
-  if (fastestTeammateIsAlive && fastestOpponentIsAlive) {
-    fastest = fastestOpponent.reachCycle - 1 <= fastestTeammate.reachCycle ? fastestOpponent
-                                                                           : fastestTeammate;
+void FastIC::crown(bool opponentIsFirst) {
+  if (fastestOpponentIsAlive && (opponentIsFirst || !fastestTeammateIsAlive)) {
+    fastest = fastestOpponent;
   } else if (fastestTeammateIsAlive) {
     fastest = fastestTeammate;
-  } else if (fastestOpponentIsAlive) {
-    fastest = fastestOpponent;
   } else {
     fastest = FastPlayer();
   }
@@ -279,16 +280,7 @@ void FastIC::leavePitch(Vector target, int cycle, Found& found) {
   }
   isAlive = true;
 
-  if (fastestTeammateIsAlive && fastestOpponentIsAlive) {
-    const bool teammateIsFarther = fastestTeammate.playerPos.getDistanceTo(target) >
-                                   fastestOpponent.playerPos.getDistanceTo(target);
-    fastest = teammateIsFarther ? fastestOpponent : fastestTeammate;
-  } else if (fastestTeammateIsAlive) {
-    fastest = fastestTeammate;
-  } else if (fastestOpponentIsAlive) {
-    fastest = fastestOpponent;
-  } else {
-    fastest = FastPlayer();
-  }
+  crown(fastestTeammate.playerPos.getDistanceTo(target) >
+        fastestOpponent.playerPos.getDistanceTo(target));
   isInGoal = isInOwnGoalMouth(target);
 }

@@ -98,6 +98,7 @@ class FastIC {
   Runner prepare(const FastPlayer& candidate) const;
   void ask(FastPlayer& candidate, const Runner& runner, Vector target, int cycle, Found& found);
   void settle();
+  void crown(bool opponentIsFirst);
   void leavePitch(Vector target, int cycle, Found& found);
 };
 

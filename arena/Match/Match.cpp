@@ -248,7 +248,6 @@ void Match::admit(Agent& agent) {
   if (!player) {
     warn(agent, "init refused for number " + std::to_string(init.number) + " of team " +
                     init.team.substr(0, kMaxWarningLength / 2));
-    world_.physics().robot(agent.id)->setNewcomer(false);
     world_.moveRobot(agent.id, kRefusedPlace);
     return;
   }

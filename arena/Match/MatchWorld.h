@@ -16,6 +16,8 @@ class MatchWorld : public RefereeWorld {
   PhysicsWorld& physics() { return physics_; }
   const PhysicsWorld& physics() const { return physics_; }
 
+  // Until it is enlisted the robot passes through others that are not: they all start, and the
+  // refused all fall, at one place, where any number of them may be.
   void addRobot(RobotHandle robot, int type);
   // The robot has been given to a team; it now ranks last in the order of robots.
   void enlist(RobotHandle robot, Side side, int number);

@@ -48,6 +48,10 @@ ArenaServer::ArenaServer(Match& match, const ServerOptions& options,
 }
 
 ArenaServer::~ArenaServer() {
+  closeAll();
+}
+
+void ArenaServer::closeAll() {
   for (AgentSession& session : agents_) session.connection->close();
   for (MonitorSession& session : monitors_) session.connection->close();
 }
@@ -182,6 +186,7 @@ void ArenaServer::run() {
     if (match_.trainer().stopRequested()) stopping_ = true;
     if (options_.duration > 0.0 && match_.game().time >= options_.duration) stopping_ = true;
   }
+  closeAll();
 }
 
 void ArenaServer::cycle() {

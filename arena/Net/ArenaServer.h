@@ -94,6 +94,7 @@ class ArenaServer {
 
   void cycle();
   void removeEnded();
+  void closeAll();
   void handOver();
   void sendPercepts();
   void sendMonitors();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstdarg>
 
 #include "Physics/Constants.h"
 #include "Physics/Field.h"
@@ -19,11 +20,23 @@ const dMatrix3 kHalfTurn{-1.0, 0.0, 0.0, 0.0, 0.0, -1.0, 0.0, 0.0, 0.0, 0.0, 1.0
 const Eigen::Vector3d kBallStart{0.0, 0.0, kBallRadius};
 const Eigen::Vector3d kRobotStart{0.0, -1.0, 1.5};
 
-// The engine counts its users: the first one starts it, the last one stops it.
+// The engine remarks on standard error when robots wedge into each other; it then goes on with
+// slightly softer contacts, which is no news for anybody.
+void ignoreRemark(int, const char*, va_list) {}
+
 void startEngine() {
-  static const bool started = dInitODE2(0) != 0;
+  static const bool started = [] {
+    dSetMessageHandler(ignoreRemark);
+    return dInitODE2(0) != 0;
+  }();
   assert(started);
   (void)started;
+}
+
+// Farther away nothing can come by honest motion.
+bool isSane(const Eigen::Vector3d& place) {
+  constexpr double kFarAway = 1e4;  // m
+  return place.allFinite() && place.cwiseAbs().maxCoeff() < kFarAway;
 }
 
 Eigen::Vector3d vectorOf(const dReal* v) {
@@ -210,6 +223,29 @@ void PhysicsWorld::step() {
   dWorldStep(world_, single(kStepSeconds));
   readFootForces();
   dJointGroupEmpty(contact_group_);
+  rescueTheLost();
+}
+
+// Numbers that have run away, after impossible placements say, would never come back and would
+// stop the collision space from working: the robot is built anew, the ball goes to the middle.
+void PhysicsWorld::rescueTheLost() {
+  std::vector<std::pair<RobotHandle, int>> lost;
+  for (const auto& robot : robots_) {
+    for (std::size_t i = 0; i < robot->model().bodies.size(); ++i) {
+      if (isSane(robot->pose(static_cast<int>(i)).translation())) continue;
+      lost.emplace_back(robot->handle(), robot->model().type);
+      break;
+    }
+  }
+  for (const auto& [handle, type] : lost) {
+    const auto old = std::find_if(robots_.begin(), robots_.end(),
+                                  [h = handle](const auto& r) { return r->handle() == h; });
+    *old = std::make_unique<RobotBody>(world_, space_, handle, robotModel(type), kRobotStart);
+  }
+  if (!isSane(ballPosition()) || !ballVelocity().allFinite()) {
+    setBallPosition(kBallStart);
+    setBallVelocity(Eigen::Vector3d::Zero());
+  }
 }
 
 void PhysicsWorld::nearCallback(void* self, dGeomID first, dGeomID second) {

@@ -74,6 +74,7 @@ class PhysicsWorld {
   void recordContacts(const GeomTag& first, const GeomTag& second, const dContact* contacts,
                       int count);
   void readFootForces();
+  void rescueTheLost();
 
   dWorldID world_;
   dSpaceID space_;

@@ -365,6 +365,18 @@ TEST_F(World, ReportsContactsBetweenRobotsAndTheirBodies) {
   EXPECT_EQ(world.robot(1), nullptr);
 }
 
+TEST_F(World, BuildsARobotAnewWhoseNumbersRanAway) {
+  world.addRobot(1, 0).placeUpright({1e9, 0.0, 0.4}, 0.0);
+  world.addRobot(2, 3).placeUpright({2.0, 0.0, 0.4}, 0.0);
+  world.setBallVelocity({1e12, 0.0, 0.0});
+  step(2);
+  ASSERT_NE(world.robot(1), nullptr);
+  EXPECT_LT(world.robot(1)->torsoPose().translation().norm(), 10.0);
+  EXPECT_EQ(world.robots().front()->handle(), 1);
+  EXPECT_NEAR(world.robot(2)->torsoPose().translation().x(), 2.0, 0.01);
+  EXPECT_LT(world.ballPosition().norm(), 1.0);
+}
+
 // ------------------------------------------------------------------------------------------ ball
 
 TEST_F(World, RestsTheBallALittleInTheGround) {

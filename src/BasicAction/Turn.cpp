@@ -16,7 +16,7 @@ constexpr int kFixedStance = 0;
 /// The first step of a turn runs at this part of the configured joint speed, every later one at
 /// kLaterSpeed times that.
 constexpr double kFirstSpeed = 0.1;
-constexpr int kLaterSpeed = 8;
+constexpr double kLaterSpeed = 8;
 
 /// Part of the configured sideways increments that a turn to the left takes; one to the right steps
 /// in place.
@@ -79,7 +79,8 @@ bool Turn::basicTurn(Vector target, double turnError) {
 }
 
 bool Turn::step(float stepGain, bool swing) {
-  if (count > 0) sp = sp * kLaterSpeed;
+  // In double: endStep, which reads no speed, raises the same one again in every call.
+  if (count > 0) sp = stepping::integerPart(sp * kLaterSpeed);
   stepping::moveFoot(swing, stepGain * Yankle[state], ry, ly, sy, oy);
   d = stepping::shiftSign(swing);
   z += Zankle[state];

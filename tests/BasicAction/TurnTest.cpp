@@ -269,6 +269,18 @@ TEST_F(TurnTest, EndStepPutsTheFeetSideBySide) {
   EXPECT_TRUE(turn.endStep()) << "the fourth phase";
 }
 
+// Nothing reads the speed anew between these calls, and each raises it; no int holds it for long.
+TEST_F(TurnTest, EndStepAfterTheFirstStepRaisesItsSpeedUpToTheEndOfTheRange) {
+  turn.count = 1;
+  turn.sp = 6;
+  for (int speed : {48, 384, 3072}) {
+    turn.endStep();
+    EXPECT_EQ(turn.sp, speed);
+  }
+  for (int call = 0; call < 20; ++call) turn.endStep();
+  EXPECT_EQ(turn.sp, std::numeric_limits<int>::min());
+}
+
 TEST_F(TurnTest, ResetGivesTheValuesOfConstruction) {
   const auto expectFresh = [](const Turn& t) {
     EXPECT_EQ(t.basicTurnState, 1);

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "Agent/Agent.h"
+#include "BasicAction/Stepping.h"
 #include "Mathematics/Vector.h"
 #include "Utilities/Logger.h"
 #include "WorldModel/WorldModel.h"
@@ -25,7 +26,7 @@ Dive* Dive::execute(int side, double _fCycle, bool rotateSide) {
   inAction = AT_DIVE;
   Side = side;
   RotateSide = rotateSide;
-  fCycle = static_cast<int>(_fCycle);
+  fCycle = stepping::integerPart(_fCycle);
   return this;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 
 #include "support/FrameCheck.h"
@@ -49,6 +50,15 @@ TEST_F(DiveTest, SetterStoresAndCutsTheCycles) {
   EXPECT_TRUE(dive.RotateSide);
   EXPECT_EQ(dive.type, AT_DIVE);
   EXPECT_EQ(BasicAction::inAction, AT_DIVE);
+}
+
+TEST_F(DiveTest, ACountOfCyclesThatNoIntHoldsCountsAsNone) {
+  for (double cycles : {1e12, -1e12}) {
+    dive.execute(0, cycles, true);
+    EXPECT_EQ(dive.fCycle, std::numeric_limits<int>::min());
+    dive.diveState = 2;
+    EXPECT_TRUE(dive.execute());
+  }
 }
 
 TEST_F(DiveTest, EveryCycleMarksTheRunningAction) {

@@ -55,10 +55,11 @@ class ActionsTest : public ::testing::Test {
   }
   int forwardPhase() const { return walk._forWalk->state; }
 
-  // Puts all joints where the neutral stance has them.
-  void reachNeutralStance() {
+  // Puts all joints where the neutral stance has them, or the one with another hip target.
+  void reachNeutralStance() { reachStance(Vector(20, -5, -35)); }
+  void reachStance(Vector hip) {
     double angles[7];
-    InverseKinematic().legSolver(Vector(20, -5, -35), Vector(0, 0, 0), angles);
+    InverseKinematic().legSolver(hip, Vector(0, 0, 0), angles);
     body.placeAll(0);
     for (bool side : {kLeft, kRight}) {
       body.place({::TestBody::Limb::kHand, side, 1}, -90);
@@ -473,6 +474,64 @@ TEST_F(ActionsTest, FirstCallOfANewKickForgetsItsSide) {
   EXPECT_EQ(kick.stableState, 100);
   actions.ChangeAction(kick.unstable(kLeft));
   EXPECT_FALSE(kick.side);
+}
+
+// Likewise the first call of a new plain gait runs with the gain and the side of construction. A
+// side gait to the left that finds the body in its stance so takes the opening leg of one to the
+// right.
+TEST_F(ActionsTest, FirstCallOfANewPlainGaitForgetsItsGainAndSide) {
+  given(AT_NONE, true, false);
+  reachStance(Vector(50, 0, -60));
+  EXPECT_FALSE(actions.ChangeAction(walk.sideWalk(-0.5f)));
+  EXPECT_EQ(actions.NowAction.actionType, AT_SIDEWALK_LEFT);
+  EXPECT_EQ(walk._sideWalk->gain, 1);
+  EXPECT_EQ(walk._sideWalk->basicWalkState, 1);
+  EXPECT_FALSE(actions.ChangeAction(walk.sideWalk(-0.5f)));
+  EXPECT_EQ(walk._sideWalk->gain, -0.5f);
+  EXPECT_NE(walk._sideWalk->ly, 0);
+
+  given(AT_NONE, true, false);
+  actions.ChangeAction(walk.forWalk(0.5f, 60, kLeft, false));
+  EXPECT_EQ(walk._forWalk->gain, 1);
+  EXPECT_TRUE(walk._forWalk->side);
+  actions.ChangeAction(walk.forWalk(0.5f, 60, kLeft, false));
+  EXPECT_EQ(walk._forWalk->gain, 0.5f);
+  EXPECT_FALSE(walk._forWalk->side);
+}
+
+// Of the omni gaits only the back gait's reset reaches what its request has set, and not its
+// target.
+TEST_F(ActionsTest, FirstCallOfANewOmniGaitForgetsErrorAndSpeedOfTheBackGaitAlone) {
+  const Vector far(9, 3, 0);
+  given(AT_NONE, true, false);
+  actions.ChangeAction(walk.omniBackWalk(far, 7, 0.5f));
+  EXPECT_EQ(walk._omniBackWalk->error, 2);
+  EXPECT_EQ(walk._omniBackWalk->speed, 1);
+  EXPECT_EQ(walk._omniBackWalk->v, far);
+  actions.ChangeAction(walk.omniBackWalk(far, 7, 0.5f));
+  EXPECT_EQ(walk._omniBackWalk->error, 7);
+  EXPECT_EQ(walk._omniBackWalk->speed, 0.5);
+
+  given(AT_NONE, true, false);
+  actions.ChangeAction(walk.omniWalk(far, 0.5f, 7, 1));
+  EXPECT_EQ(walk._omniWalk->error, 7);
+  EXPECT_EQ(walk._omniWalk->speed, 0.5);
+  EXPECT_EQ(walk._omniWalk->actionType, 1);
+  EXPECT_EQ(walk._omniWalk->v, far);
+
+  given(AT_NONE, true, false);
+  actions.ChangeAction(walk.omniSideWalk(far, 7));
+  EXPECT_EQ(walk._omniSideWalk->error, 7);
+  EXPECT_EQ(walk._omniSideWalk->v, far);
+}
+
+// The reset of a dive leaves its request alone.
+TEST_F(ActionsTest, FirstCallOfANewDiveKeepsItsRequest) {
+  given(AT_NONE, true, false);
+  actions.ChangeAction(dive.execute(-1, 30, true));
+  EXPECT_EQ(dive.Side, -1);
+  EXPECT_EQ(dive.fCycle, 30);
+  EXPECT_TRUE(dive.RotateSide);
 }
 
 TEST_F(ActionsTest, TurnAroundBallIsNeverReset) {

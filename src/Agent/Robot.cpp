@@ -1,5 +1,7 @@
 #include "Agent/Robot.h"
 
+#include <cassert>
+
 #include "Utilities/Config.h"
 
 Robot::Robot() : command(new Command) {}
@@ -24,12 +26,17 @@ void Robot::sendInit() {
 }
 
 void Robot::sendBeam() {
+  command->setBeam(startPlace());
+  exchange();
+}
+
+Vector Robot::startPlace() const {
   ConfigGroup& self = config["Agent"]["Public"];
   const std::string key = "p" + std::to_string(self["UniformNumber"].asInt());
   const char* group = self["Penalty"].asBool() ? "Penalty" : "Beam";
   const ConfigValue& place = config["Formation"][group][key];
-  command->setBeam(Vector(place[0].asFloat(), place[1].asFloat(), place[2].asFloat()));
-  exchange();
+  assert(place.size() > 2);
+  return Vector(place[0].asFloat(), place[1].asFloat(), place[2].asFloat());
 }
 
 void Robot::exchange() {

@@ -5,6 +5,7 @@
 
 #include "Command/Command.h"
 #include "Connection/Connection.h"
+#include "Mathematics/Vector.h"
 #include "WorldModel/WorldModel.h"
 
 // The server side of the player: the link, the message under construction and the handshake.
@@ -29,9 +30,13 @@ class Robot {
   // The init message, which makes the robot a member of its team; sets initCheck.
   void sendInit();
 
-  // One beam message to the start position of the own number: x, y in metres in the frame of the
-  // own team, heading in degrees. In penalty mode the position comes from the group "Penalty".
+  // One beam message to startPlace().
   void sendBeam();
+
+  // The configured start of the own number: x, y in metres in the frame of the own team, z the
+  // heading in degrees. In penalty mode it comes from the group "Penalty". Asserts that the
+  // configuration gives three numbers.
+  Vector startPlace() const;
 
   WorldModel* WM = nullptr;  // built and deleted by OurPlayer
   Command* command;          // lives to the end of the process

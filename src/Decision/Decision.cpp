@@ -1,5 +1,6 @@
 #include "Decision/Decision.h"
 
+#include <cassert>
 #include <cmath>
 #include <iostream>
 #include <string>
@@ -303,11 +304,7 @@ void Decision::beam() {
   anyThingToDoZero = anyThingToDoOne = false;
   advancedAgent->actions->stopAction(advancedAgent->reset);
 
-  const bool penalty = config["Agent"]["Public"]["Penalty"].asBool();
-  const ConfigValue& place =
-      config["Formation"][penalty ? "Penalty" : "Beam"]["p" + std::to_string(unum)];
-  advancedAgent->command->setBeam(
-      Vector(place[0].asFloat(), place[1].asFloat(), place[2].asFloat()));
+  advancedAgent->command->setBeam(advancedAgent->startPlace());
   ++beamCount;
 }
 
@@ -398,7 +395,9 @@ void Decision::waiting() {
   advancedAgent->setHead(2, -45, 10, 3);
   // Never cleared: from the second set play of a match on, the player kicks at once.
   ++waitValue;
-  t[j] = config["decision"]["time"]["t"][j].asFloat() * kCyclesPerSecond;
+  const ConfigValue& seconds = config["decision"]["time"]["t"];
+  assert(seconds.size() > j);
+  t[j] = seconds[j].asFloat() * kCyclesPerSecond;
   if (static_cast<float>(waitValue) >= t[j]) {
     advancedAgent->actions->ChangeAction(advancedAgent->kick->unstable1(true));
   }
@@ -433,10 +432,13 @@ bool Decision::passKickOff() {
       gait.Xtorso = values["Xtorso"].asFloat() * 60;
       gait.Ytorso = values["Ytorso"].asFloat() * -10;
       gait.Ztorso = values["Ztorso"].asFloat() * -70 * 1.5;
+      const ConfigValue& forward = values["Xankle"];
+      const ConfigValue& upward = values["Zankle"];
+      assert(forward.size() >= 4 && upward.size() >= 4);
       for (int i = 0; i < 4; ++i) {
         gait.Yankle[i] = 220;
-        gait.Xankle[i] = values["Xankle"][i].asFloat() * 80;
-        gait.Zankle[i] = values["Zankle"][i].asFloat() * 50;
+        gait.Xankle[i] = forward[i].asFloat() * 80;
+        gait.Zankle[i] = upward[i].asFloat() * 50;
       }
       if (gait.step(1.0f, true)) stateP = kDone;
       break;

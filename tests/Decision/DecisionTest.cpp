@@ -515,6 +515,15 @@ PLAYER_TEST(DecisionWaitingTest, OnlyTheFirstSetPlayOfAMatchWaits) {
   EXPECT_EQ(p.player.de.waitValue, 26);
 }
 
+PLAYER_TEST(DecisionWaitingTest, ATimeIsNeededForTheSetPlayAtHand) {
+  TestPlayer p(10, SIDE_LEFT, {{"decision", "time", "t", "9 9"}});
+  p.player.de.j = 1;
+  p.player.de.waiting();
+  EXPECT_EQ(p.player.de.t[1], 9 * 50);
+  p.player.de.j = 2;
+  EXPECT_DEATH(p.player.de.waiting(), "seconds.size\\(\\) > j");
+}
+
 PLAYER_TEST(DecisionWaitingTest, TheTakerLooksDown) {
   TestPlayer p(10);
   p.settle();

@@ -207,6 +207,42 @@ TEST_F(WorldModelTest, AnErrorOfExactlyTheLimitIsNotLarge) {
   EXPECT_EQ(model->isValidPosition, 2);
 }
 
+// The estimates differ by a hair more than the limit; a sum in single precision would lose it.
+TEST_F(WorldModelTest, TheErrorIsSummedInDoublePrecision) {
+  join();
+  model->gameTime = 10.0f;
+  const auto sighted = [&](int index, float estimate, float distance) {
+    model->flag[index].setRealPosition(Vector(estimate, distance, 0));
+    model->flag[index].setCameraPosition(Vector(0, distance, 0));
+    model->flag[index].setLastTimeSeen(10.0f);
+  };
+  const float near = -0x1.33331p+0f, far = 0x1.66667ap+1f;  // weights 2 and 1
+  const float mean = (2 * near + far) / 3;
+  ASSERT_GT(static_cast<double>(mean - near) + static_cast<double>(far - mean), 4.0);
+  ASSERT_EQ((mean - near) + (far - mean), 4.0f);
+  sighted(0, near, 1);
+  sighted(1, far, 2);
+  model->localize();
+  EXPECT_EQ(model->isValidPosition, 2);
+}
+
+// Of two landmarks whose squared distances are one number in single precision neither is nearer,
+// and the lower number weighs more.
+TEST_F(WorldModelTest, DistancesAreComparedInSinglePrecision) {
+  join();
+  model->gameTime = 10.0f;
+  const auto sighted = [&](int index, const Vector& camera, float estimate) {
+    model->flag[index].setRealPosition(camera + Vector(estimate, 0, 0));
+    model->flag[index].setCameraPosition(camera);
+    model->flag[index].setLastTimeSeen(10.0f);
+  };
+  sighted(0, Vector(1, 4097, 0), 3);
+  sighted(1, Vector(0, 4097, 0), 6);
+  model->localize();
+  // Mean (2 * 3 + 6) / 3 = 4, error 1 + 2: an eighth of the way.
+  EXPECT_EQ(model->getAgentPosition().x, 0.5f);
+}
+
 TEST_F(WorldModelTest, MoreThanFortyBadEstimatesAreReported) {
   join();
   model->isValidPosition = 40;
@@ -271,6 +307,24 @@ TEST_F(WorldModelTest, TheIntegratorFollowsTheOrientationInUse) {
   update(turning + "(See " + line + ")");
   EXPECT_NEAR(model->mySelf->getBodyRotation().get(1, 0), std::sin(20 * M_PI / 180), 1e-6);
   EXPECT_NEAR(model->mySelf->getGyroRotation().get(1, 0), std::sin(20 * M_PI / 180), 1e-6);
+}
+
+// The orientation that vision will use is not chosen yet when lines are carried.
+TEST_F(WorldModelTest, LinesAreCarriedByTheGyroNotByTheBody) {
+  join();
+  model->parse(see("(L " + polar(2, 0, 0) + " " + polar(0, 3, 0) + ")"));
+  Matrix<4, 4> quarter, half;
+  quarter.rotationByZ(90);
+  half.rotationByZ(180);
+  model->mySelf->setNeckRotation(quarter);
+  model->mySelf->setGyroRotation(half);
+  model->setBodyAllObjects();
+  const FieldLine& line = model->fieldLine[0];
+  expectNear(line.getFirstPoint().getBodyPosition(), 0, 2, 0);
+  expectNear(line.getFirstPoint().getRelativePosition(), 0, -2, 0);
+  expectNear(line.getSecondPoint().getBodyPosition(), -3, 0, 0);
+  expectNear(line.getSecondPoint().getRelativePosition(), 3, 0, 0);
+  EXPECT_EQ(line.getFirstPoint().getGlobalPosition(), Vector(0, 0, 0));
 }
 
 TEST_F(WorldModelTest, SightingsPassThroughNeckAndTorso) {
@@ -498,6 +552,16 @@ TEST_F(WorldModelTest, TheBeamLocationReachesHalfAMetre) {
   EXPECT_FALSE(model->isInBeamLocation(Vector(-1.4f, 3, 0)));
   EXPECT_TRUE(model->isInBeamLocation(Vector(-1.51f, 2.51f, 0)));
   EXPECT_FALSE(model->isInBeamLocation(Vector(kNaN, 3, 0)));
+}
+
+TEST_F(WorldModelTest, TheBeamLocationIsComparedInSinglePrecision) {
+  // A difference of 0.49999999, which rounds to a half.
+  model->mySelf->setGlobalPosition(Vector(-2e-8f, 0, 0.45f));
+  EXPECT_FALSE(model->isInBeamLocation(Vector(0.49999997f, 0, 0)));
+  model->mySelf->setGlobalPosition(Vector(0, -2e-8f, 0.45f));
+  EXPECT_FALSE(model->isInBeamLocation(Vector(0, 0.49999997f, 0)));
+  model->mySelf->setGlobalPosition(Vector(0, 0, 0.45f));
+  EXPECT_TRUE(model->isInBeamLocation(Vector(0.49999997f, 0.49999997f, 0)));
 }
 
 TEST_F(WorldModelTest, AngleToIsSignedFromTheTorsosForwardAxis) {

@@ -91,6 +91,14 @@ TEST_F(WorldModelVisionTest, TheVelocityIsThatOfTheSightingsBefore) {
   EXPECT_EQ(model->ball->getGlobalPosition(), Vector(2.88f, 0.06f, 0));
 }
 
+TEST_F(WorldModelVisionTest, TheVelocitysDivisorIsDoublePrecision) {
+  model->ball->setGlobalPosition(Vector(0, 0, 0));
+  model->ball->setGlobalPosition(Vector(12.375f, 0, 0));
+  parse("(B (pol 2.00 0.00 0.00))");
+  EXPECT_EQ(model->ball->getVelocity().x, static_cast<float>(12.375 / 0.94));
+  EXPECT_NE(model->ball->getVelocity().x, static_cast<float>(12.375 / 0.94f));
+}
+
 TEST_F(WorldModelVisionTest, TheTrueBallPositionTriggersTheVelocityToo) {
   model->ball->setGlobalPosition(Vector(0.94f, 0, 0));
   parse("(ballpos 1.5 -2.5 0.04)");

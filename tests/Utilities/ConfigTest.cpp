@@ -612,7 +612,7 @@ TEST(ConfigTest, DeploymentHasEveryNumber) {
        "FlagPosition",
        {"f100", "f101", "f110", "f111", "f000", "f001", "f010", "f011"},
        3},
-      {"decision", "time", {"t"}, 1},
+      {"decision", "time", {"t"}, 10},  // the last set play has the index 9
       {"forWalk", "forwalk", torso, 1},
       {"forWalk", "forwalk", {"Xankle", "Zankle"}, 4},
       {"backWalk", "backwalk", torso, 1},
@@ -638,7 +638,8 @@ TEST(ConfigTest, DeploymentHasEveryNumber) {
     }
   }
   EXPECT_FALSE(config["Agent"]["Public"]["Penalty"].asBool());
-  EXPECT_NE(config["Agent"]["Public"]["TeamName"].asString(), "");
+  // The one name under which team talk is understood.
+  EXPECT_EQ(config["Agent"]["Public"]["TeamName"].asString(), "Quolnaris");
   EXPECT_NE(config["Agent"]["Server"]["HostName"].asString(), "");
   EXPECT_THAT(config["Agent"]["NAO"]["Rsg"].asString(), testing::StartsWith("scene "));
 }

@@ -30,7 +30,10 @@ class BasicAgentTest : public ::testing::Test {
     }
     for (int i = 0; i < 2; ++i) body.headController[i].joint = agent.WM->getHeadJoint(i + 1);
   }
-  void TearDown() override { delete agent.WM; }
+  void TearDown() override {
+    delete agent.WM;
+    delete agent.command;  // the player keeps it to the end of its process
+  }
 
   // Every controller, for groups that must drive all and nothing else.
   std::vector<JointController*> all() {

@@ -160,7 +160,10 @@ bool ArenaServer::everybodyReady() {
       continue;
     }
     session.silent = true;
-    log_("agent " + std::to_string(session.id) + ": silent, no longer waited for");
+    if (!session.told_silent) {
+      log_("agent " + std::to_string(session.id) + ": silent, not waited for until it speaks");
+    }
+    session.told_silent = true;
   }
   return ready;
 }
@@ -237,8 +240,8 @@ void ArenaServer::handOver() {
 void ArenaServer::sendPercepts() {
   for (AgentSession& session : agents_) {
     if (!frameDue(session)) continue;
-    if (!session.connection->send(match_.percept(session.id)) && !session.slow) {
-      session.slow = true;
+    if (!session.connection->send(match_.percept(session.id)) && !session.told_slow) {
+      session.told_slow = true;
       log_("agent " + std::to_string(session.id) + ": does not read, frames are dropped");
     }
     ++session.given;
@@ -259,7 +262,8 @@ void ArenaServer::sendMonitors() {
       session.connection->send(stream_.full(match_.scene(), match_.game(), passWait()));
     } else if (!session.connection->send(message)) {
       session.missed = true;
-      log_("monitor does not read, messages are dropped");
+      if (!session.told_slow) log_("monitor does not read, messages are dropped");
+      session.told_slow = true;
     }
   }
 }

@@ -72,11 +72,13 @@ class ArenaServer {
     std::size_t seen = 0;  // messages waiting when it was last looked at
     Clock::time_point waiting_since;  // last sign of life, or last frame given to it
     bool silent = false;              // timed out: not waited for until it speaks again
-    bool slow = false;                // has lost frames by not reading
+    bool told_silent = false;         // that has been logged
+    bool told_slow = false;           // that it loses frames by not reading, too
   };
   struct MonitorSession {
     std::shared_ptr<FramedConnection> connection;
-    bool missed = false;  // has lost messages by not reading: the next one must be a full one
+    bool told_slow = false;  // that has been logged
+    bool missed = false;     // has lost messages by not reading: the next one must be a full one
   };
 
   Tcp::acceptor open(unsigned short port);

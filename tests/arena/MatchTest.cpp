@@ -128,6 +128,36 @@ TEST_F(Game, WritesTheAccelerometerOfTheLeaguesFirstFrames) {
   EXPECT_EQ(acceleration(), "9.81");  // frame 5
 }
 
+// What the league's server showed the first robot in its first frame, 1.49 m above the pitch.
+TEST_F(Game, SeesWhatTheLeaguesFirstFrameShows) {
+  const std::string recorded =
+      "(See (F1L (pol 18.65 53.56 -4.91)) (F1R (pol 18.66 -53.91 -5.08)) (B (pol 1.89 0.24 "
+      "-58.01)) "
+      "(L (pol 1.89 0.14 -60.24) (pol 11.11 -0.25 -8.37)) (L (pol 17.40 -60.06 -5.51) (pol 18.67 "
+      "-54.11 -4.99)) (L (pol 17.41 59.96 -5.45) (pol 18.68 53.87 -5.14)) (L (pol 18.67 -53.95 "
+      "-5.08) "
+      "(pol 18.65 53.71 -5.10)) (L (pol 2.79 -59.74 -35.92) (pol 3.17 -36.57 -30.99)) (L (pol 3.17 "
+      "-36.48 -31.05) (pol 3.39 -11.94 -29.07)) (L (pol 3.39 -11.99 -28.83) (pol 3.39 12.17 "
+      "-28.87)) "
+      "(L (pol 3.39 12.21 -28.72) (pol 3.17 36.64 -31.22)) (L (pol 3.18 36.74 -31.20) (pol 2.79 "
+      "60.19 "
+      "-35.92)))(HJ";
+  const auto agent = match.connect();
+  match.receive(agent, "(scene rsg/agent/nao/nao_hetero.rsg 0)");
+  steps(match, 2);
+  const std::string percept = match.percept(agent);
+  const std::string seen =
+      percept.substr(percept.find("(See"), percept.find("(HJ (n raj1)") + 3 - percept.find("(See"));
+  const std::regex number(R"(-?[0-9]+\.[0-9]+)");
+  EXPECT_EQ(std::regex_replace(seen, number, "#"), std::regex_replace(recorded, number, "#"));
+  auto a = std::sregex_iterator(seen.begin(), seen.end(), number);
+  auto b = std::sregex_iterator(recorded.begin(), recorded.end(), number);
+  // The recording has noise and a camera offset of up to 5 mm.
+  for (; a != std::sregex_iterator() && b != std::sregex_iterator(); ++a, ++b) {
+    EXPECT_NEAR(std::stod(a->str()), std::stod(b->str()), 0.75);
+  }
+}
+
 TEST_F(Game, TellsSideAndNumberOnce) {
   const auto left = join(match, 3, "Alpha");
   EXPECT_TRUE(contains(match.percept(left),

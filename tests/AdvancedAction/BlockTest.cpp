@@ -201,6 +201,16 @@ PLAYER_TEST(BlockTest, AVerticalLine) {
   expectPoint(b.pos(), -14.5, aim);
 }
 
+// With a ball behind the line of the goal, at (-16, 4), the aim is at (-14.5, 4 * 0.5 / -1) and the
+// line y = -4 x - 60 runs forward. There is no falling back to the aim then: half way to a player
+// level with the ball the point lies on the line beyond it.
+PLAYER_TEST(BlockTest, BehindTheGoalLineThePointMayLieBeyondTheAim) {
+  Blocking b(7);
+  b.p.ball(-16, 4);
+  b.p.me(-10, 4);
+  expectPoint(b.pos(), -13, -8);
+}
+
 // A player that already runs along a good line stays on it: the velocity's slope, with the sign
 // that atan and tan leave it, meets the line within 2 m of the point.
 PLAYER_TEST(BlockTest, ARunningPlayerStaysOnItsLine) {

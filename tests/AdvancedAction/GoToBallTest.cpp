@@ -172,6 +172,34 @@ PLAYER_TEST(GoToBallTest, TheOtherFormHasAWiderBand) {
   EXPECT_EQ(p.player.goToBall->GTBstate, 4);
 }
 
+// The narrow bands come back far from the spot only, and neither past the ball nor with a wrong
+// bearing or level with the line while the ball's x is near; in the other form at any x.
+PLAYER_TEST(GoToBallTest, TheNarrowBandsComeBackOnlyFarAwayOutOfTheCorrectingRange) {
+  TestPlayer p(5);
+  p.ball(0, 0);
+  using Form = bool (GoToBall::*)(Vector, float, float, bool);
+  const auto state = [&](Form form, double x, double y, double heading, float error) {
+    p.me(x, y, heading);
+    p.arm();
+    (p.player.goToBall->*form)(kAim, error, 0.05f, false);
+    return p.player.goToBall->GTBstate;
+  };
+  const auto isNarrow = [&](Form form) { return state(form, -0.35, 0.07, 0, 200) == 5; };
+  for (const Form form : {&GoToBall::execute, &GoToBall::execute1}) {
+    EXPECT_TRUE(isNarrow(form));
+    EXPECT_EQ(state(form, -0.35, 0.3, 0, 200), 2);  // corrects
+    EXPECT_FALSE(isNarrow(form));
+    EXPECT_EQ(state(form, -0.35, 3, 40, 5), 5);  // wrong bearing beside the ball
+    EXPECT_FALSE(isNarrow(form));
+    EXPECT_EQ(state(form, 3, 3, 0, 200), 5);  // past the ball
+    EXPECT_FALSE(isNarrow(form));
+    EXPECT_EQ(state(form, -3, 3, 40, 5), 5);  // wrong bearing far behind the ball
+    EXPECT_EQ(isNarrow(form), form == &GoToBall::execute);
+    EXPECT_EQ(state(form, -3, 3, 0, 5), 5);
+    EXPECT_TRUE(isNarrow(form));
+  }
+}
+
 PLAYER_TEST(GoToBallTest, IsDoneInPlaceWithoutAnyMotion) {
   TestPlayer p(5);
   p.ball(0, 0);

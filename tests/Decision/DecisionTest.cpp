@@ -957,6 +957,24 @@ PLAYER_TEST(DecisionBallActionTest, BlocksAnOpponentThatIsFirst) {
   }
 }
 
+// Half-backs and defenders leave the opposing number 1 out of their reckoning.
+PLAYER_TEST(DecisionBallActionTest, OnlyAttackersBlockTheOpposingGoalie) {
+  const auto play = [](Claim& claim, const std::string& heard) {
+    claim.p.scene.others.push_back({false, 1, 1, 0, NORTH});
+    claim.answer(heard, 3);
+    return claim.p.player.decide->lastPos;
+  };
+  Claim attacker(9, -8, -1);
+  const Vector at = play(attacker, "u09rc02");
+  EXPECT_NEAR(at.getY(), 0, 0.05);
+  EXPECT_LT(at.getX(), -2);
+  Claim halfBack(7, -8, -1);
+  expectPoint(play(halfBack, "u07rc02"), -7, 1.6);
+  Claim defender(4, -8, -1);
+  play(defender, "u04rc02");
+  EXPECT_FALSE(wentByDecide(defender.p));
+}
+
 PLAYER_TEST(DecisionBallActionTest, WithNobodyToMarkAttackersPositionAndDefendersStay) {
   Claim attacker(9, -8);
   attacker.answer("u09rc02");

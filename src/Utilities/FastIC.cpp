@@ -109,7 +109,7 @@ void FastIC::setTarget(Vector pos, Vector vel, double decay) {
 }
 
 void FastIC::setPlayers() {
-  fastPlayers.reserve(fastPlayers.size() + 2 * kPlayers);
+  fastPlayers.reserve(fastPlayers.size() + std::size_t{2} * kPlayers);
   for (const Player& player : WM->player[!ourSide]) fastPlayers.emplace_back(player);
   for (const Player& player : WM->player[ourSide]) {
     if (player.getPlayerNumber() == 1) continue;

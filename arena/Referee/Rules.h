@@ -70,7 +70,6 @@ inline constexpr double kPassModeBallDistance = 1.0;
 
 // Fouls.
 inline constexpr int kGoalieNumber = 1;
-inline constexpr int kMaxPlayers = 11;
 inline constexpr int kMaxInOwnArea = 3;
 inline constexpr int kMaxTouching = 2;
 inline constexpr float kFoulHoldTime = 0.5f;

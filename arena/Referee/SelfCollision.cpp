@@ -16,7 +16,7 @@ constexpr std::pair<Body, Body> kNeighbours[] = {
     {Body::RightShank, Body::RightFoot},  {Body::LeftShank, Body::LeftFoot},
     {Body::RightFoot, Body::RightToe},    {Body::LeftFoot, Body::LeftToe}};
 
-// Whether `passed` of the span is over, counting a clock that was set back as over.
+// Whether a span of seconds since then is over; it is if the clock was set back.
 bool isOver(float since, float time, float span) {
   return time < since || time - since >= span;
 }

@@ -430,10 +430,9 @@ TEST_F(FoulsTest, LastToJoinAGroupOfThreeGoes) {
   EXPECT_EQ(fouls[0].type, FoulType::Touching);
   EXPECT_EQ(fouls[0].side, Side::Left);
   EXPECT_EQ(fouls[0].number, 3);
-  // 0.4 m away from the mean place of the group, which is (0.2, 0.1333).
-  const Eigen::Vector2d away = Eigen::Vector2d(0.4 - 0.2, 0 - 0.4 / 3).normalized();
-  EXPECT_NEAR(world.place(left3).x(), 0.4 + 0.4 * away.x(), 0.41);
-  EXPECT_GT((world.place(left3) - Eigen::Vector3d(0.2, 0.1333, 0.38)).norm(), 0.6);
+  // The group's mean place is (0.2, 0.1333); 0.4 m straight away from it.
+  EXPECT_NEAR(world.place(left3).x(), 0.7328, 1e-4);
+  EXPECT_NEAR(world.place(left3).y(), -0.2219, 1e-4);
 }
 
 TEST_F(FoulsTest, WhereHisTeamIsFewerAnOpponentGoes) {

@@ -69,6 +69,7 @@ class RefereeTruthTest : public testing::TestWithParam<const char*> {
       if (handles.count(name) == 0) {
         const Side side = name[0] == 'L' ? Side::Left : Side::Right;
         handles[name] = world.add(side, std::stoi(name.substr(1)), 0, 0);
+        world.addCollider(handles[name], Body::RightFoot, {0.05, 0.02, -0.34}, {0.04, 0.08, 0.01});
       }
       Eigen::Isometry3d& torso = world.view(handles[name]).torso;
       torso = poseAt(truth.place.x(), truth.place.y(), truth.place.z(), truth.heading - 90);

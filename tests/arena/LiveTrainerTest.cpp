@@ -106,13 +106,15 @@ class LiveTrainerTest : public testing::Test {
     }
     return false;
   }
-  // Goes on until the viewer's picture fulfils the condition.
+  // Goes on until the viewer's picture after one of the messages fulfils the condition.
   template <class Condition>
   bool shows(Client& monitor, Condition condition, int limit = 60) {
     for (int i = 0; i < limit; ++i) {
       cycles(1);
-      while (monitor.hasData()) viewer.read(monitor.receive());
-      if (condition()) return true;
+      while (monitor.hasData()) {
+        viewer.read(monitor.receive());
+        if (condition()) return true;
+      }
     }
     return false;
   }
@@ -188,7 +190,7 @@ TEST_F(LiveTrainerTest, PlayersComeAndGoOnTheViewersPitch) {
 TEST_F(LiveTrainerTest, FullStateIsSentOnRequest) {
   addPlayer("Alpha", 3);
   Client monitor(io, server.monitorPort());
-  ASSERT_TRUE(shows(monitor, [&] { return !viewer.nodes().empty() && !viewer.lastWasFull(); }));
+  ASSERT_TRUE(shows(monitor, [&] { return !viewer.lastWasFull(); }));
   monitor.send("(reqfullstate)");
   EXPECT_TRUE(shows(monitor, [&] { return viewer.lastWasFull(); }));
 }

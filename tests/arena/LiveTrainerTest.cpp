@@ -99,7 +99,7 @@ class LiveTrainerTest : public testing::Test {
       }
   }
   // Goes on until the first agent's percept contains the text.
-  bool hears(const std::string& text, int limit = 60) {
+  bool hears(const std::string& text, int limit = kPatience) {
     for (int i = 0; i < limit; ++i) {
       cycles(1);
       if (heard.find(text) != std::string::npos) return true;
@@ -217,8 +217,7 @@ TEST_F(LiveTrainerTest, GoalReachesTheViewer) {
   monitor.send("(playMode PlayOn)(ball (pos 13 0 0.2)(vel 8 0 0))");
   EXPECT_TRUE(shows(monitor, [&] { return viewer.term("score_left") == "1"; }));
   EXPECT_EQ(viewer.playMode(), "Goal_Left");
-  EXPECT_TRUE(shows(
-      monitor, [&] { return viewer.playMode() == "KickOff_Right"; }, 200));
+  EXPECT_TRUE(shows(monitor, [&] { return viewer.playMode() == "KickOff_Right"; }));
 }
 
 TEST_F(LiveTrainerTest, GarbageFromAMonitorDoesNoHarm) {

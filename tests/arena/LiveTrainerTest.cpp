@@ -108,7 +108,7 @@ class LiveTrainerTest : public testing::Test {
   }
   // Goes on until the viewer's picture after one of the messages fulfils the condition.
   template <class Condition>
-  bool shows(Client& monitor, Condition condition, int limit = 60) {
+  bool shows(Client& monitor, Condition condition, int limit = kPatience) {
     for (int i = 0; i < limit; ++i) {
       cycles(1);
       while (monitor.hasData()) {
@@ -118,6 +118,10 @@ class LiveTrainerTest : public testing::Test {
     }
     return false;
   }
+
+  // Cycles for which something is waited for. The match runs on while a monitor's connection and
+  // commands are still under way, many cycles in a millisecond.
+  static constexpr int kPatience = 5000;
 
   asio::io_context io;
   Match match;

@@ -32,11 +32,12 @@ end_players() {
 watch_players() {
   local pid left=("$@")
   while [ ${#left[@]} -gt 0 ]; do
-    local still=()
+    local still=() gone=()
     for pid in "${left[@]}"; do
       kill -0 "$pid" 2>/dev/null || continue
-      if link_is_gone "$pid"; then end_players "$pid"; else still+=("$pid"); fi
+      if link_is_gone "$pid"; then gone+=("$pid"); else still+=("$pid"); fi
     done
+    end_players "${gone[@]+"${gone[@]}"}"
     left=("${still[@]+"${still[@]}"}")
     [ ${#left[@]} -eq 0 ] || sleep 0.5
   done

@@ -147,9 +147,14 @@ void Fouls::noteContact(RobotHandle left, RobotHandle right, float time) {
 }
 
 void Fouls::checkSelfCollision(float time) {
-  for (const RobotView& robot : freePlayers()) {
-    const LimbSet colliding = collidingLimbs(world_.colliders(robot.handle));
-    if (players_[robot.handle].limbs.update(colliding, time, robot.handle, world_))
+  const std::span<const RobotView> all = world_.robots();
+  for (const RobotView& robot : std::vector<RobotView>(all.begin(), all.end())) {
+    if (robot.side == Side::None) continue;
+    Player& player = players_[robot.handle];
+    // Who is being lifted is not looked at, but what was frozen before thaws in time.
+    const LimbSet colliding =
+        player.penalised ? LimbSet{} : collidingLimbs(world_.colliders(robot.handle));
+    if (player.limbs.update(colliding, time, robot.handle, world_))
       whistle(robot, FoulType::SelfCollision, true);
   }
 }

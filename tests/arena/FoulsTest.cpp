@@ -591,6 +591,20 @@ TEST_F(FoulsTest, ForearmDeepInTheTorsoFreezesTheArm) {
   EXPECT_FALSE(world.isFrozen(left2, Limb::RightArm));
 }
 
+TEST_F(FoulsTest, FrozenLimbsThawInTimeWhileThePlayerIsLifted) {
+  world.put(left2, -5, 2, 0.1);
+  step(710);
+  const Eigen::Matrix3d skew = turned(0, 0, 0).linear();
+  world.addCollider(left2, Body::RightLowerArm, {0.02, 0.02, 0.02}, {0.05, 0.11, 0.05}, skew);
+  ASSERT_EQ(events().at(0).type, FoulType::SelfCollision);
+  step(40);
+  ASSERT_EQ(referee.fouls()[0].type, FoulType::Incapable);  // lifted until cycle 776
+  ASSERT_TRUE(world.isFrozen(left2, Limb::RightArm));
+  step(11);
+  EXPECT_GT(world.place(left2).z(), 1.0);
+  EXPECT_FALSE(world.isFrozen(left2, Limb::RightArm));
+}
+
 TEST(LimbFreezerTest, FreezesForOneSecondAndThenSparesForTwo) {
   FakeWorld world;
   LimbFreezer freezer;

@@ -131,7 +131,8 @@ bool Referee::checkGoal() {
     const double sign = ownGoalSign(defender);
     bool inside = world_.goalSensorHit(defender);
     // A fast ball may pass the sensor between two steps: look back along its way to where all of
-    // it was just across the line.
+    // it was just across the line. Back to the line itself would be too far: the league's server
+    // gives no goal for a ball that its post throws outwards there.
     const double beyond = sign * ball.position.x() - kHalfLength;
     const double speed = sign * ball.velocity.x();
     if (!inside && beyond > kBallRadius && speed > 0 &&

@@ -408,6 +408,18 @@ TEST_F(RefereeTest, FastBallsBesideOrAboveTheMouthAreNoGoal) {
   }
 }
 
+// As in a recording of the league's server: its way back meets the line at y 1.016, between the
+// posts, but 4.2 cm behind it at y 1.052.
+TEST_F(RefereeTest, BallThrownOutwardsByThePostIsNoGoal) {
+  start(PlayMode::PlayOn);
+  world.setBallAt(14.8573, 1.07, 0.339);
+  step();
+  world.setBallAt(15.0976, 1.0986, 0.332);
+  world.ballView.velocity = {1.7, 1.43, -0.17};
+  step();
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
 TEST_F(RefereeTest, BallLongBehindTheLineIsNoGoal) {
   start(PlayMode::PlayOn);
   world.setBallAt(15.2, 0.5);

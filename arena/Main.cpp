@@ -129,6 +129,10 @@ int main(int argc, char** argv) {
       ->check(CLI::PositiveNumber);
   app.add_flag("--auto-kick-off", match_options.auto_kick_off,
                "kick off without a trainer after a while");
+  app.add_flag("--coin-toss", match_options.coin_toss,
+               "draw who kicks off first unless a trainer names a side; default: left");
+  app.add_flag("--change-sides", match_options.change_sides,
+               "the teams change sides at half time, with their scores; agents are not told");
   app.add_option("--wait-agents", server_options.wait_agents,
                  "hold the first cycle until so many agents have loaded their scene")
       ->capture_default_str()

@@ -51,6 +51,8 @@ Match::Match(const MatchOptions& options)
     : options_(options),
       referee_(world_, RefereeOptions{.halfTime = options.half_time,
                                       .autoKickOff = options.auto_kick_off,
+                                      .coinToss = options.coin_toss,
+                                      .changeSides = options.change_sides,
                                       .seed = options.seed}),
       trainer_(world_, referee_) {
   world_.snapshot(time_, scene_);
@@ -217,6 +219,7 @@ void Match::step() {
   time_ += static_cast<float>(kStepSeconds);
   world_.snapshot(time_, scene_);
   referee_.step();
+  if (referee_.game().sidesChanged != sides_changed_) changeSides();
   removeDisconnected();
   makePercepts();
 }
@@ -295,6 +298,16 @@ void Match::carryOutBeam(Agent& agent) {
   world_.placeUpright(agent.id, {x, y, kStartHeight},
                       forwardYaw(agent.side) + std::remainder(beam.turn, 360.0));
   referee_.noteBeam(agent.id);
+}
+
+// Follows the referee, who has changed the teams' sides in this step. Nobody is told: agents see it
+// by the score and hear and see the teams' names as before.
+void Match::changeSides() {
+  sides_changed_ = referee_.game().sidesChanged;
+  roster_.changeSides();
+  for (const auto& agent : agents_) agent->side = opponent(agent->side);
+  for (SceneRobot& robot : scene_.robots) robot.side = opponent(robot.side);
+  for (Utterance& utterance : said_) utterance.side = opponent(utterance.side);
 }
 
 // A robot that the trainer has removed is as gone as one whose agent has left.

@@ -26,6 +26,8 @@ struct MatchOptions {
   std::uint64_t seed = 0;
   float half_time = kHalfTime;
   bool auto_kick_off = false;
+  bool coin_toss = false;     // who kicks off first is drawn unless the trainer names a side
+  bool change_sides = false;  // at half time
   bool noise = true;          // of vision, camera offset and beam
   bool ground_truth = false;  // mypos, myorien and ballpos terms
   std::function<void(const std::string&)> log = [](const std::string&) {};
@@ -136,6 +138,7 @@ class Match {
   void seed(Agent& agent, const std::string& name);
   void carryOutActions();
   void carryOutBeam(Agent& agent);
+  void changeSides();
   void removeDisconnected();
   void makePercepts();
   void writeGameState(Agent& agent, std::string& text);
@@ -151,6 +154,7 @@ class Match {
   SExpression expression_;
   std::vector<Utterance> said_;
   Scene scene_;
+  bool sides_changed_ = false;
   float time_ = 0.0f;  // single precision, like the game's clock
 };
 

@@ -116,6 +116,10 @@ void MatchWorld::placeUpright(RobotHandle robot, const Eigen::Vector3d& place, d
   forgetPlaces();
 }
 
+void MatchWorld::changeSides() {
+  for (RobotView& view : views_) view.side = opponent(view.side);
+}
+
 void MatchWorld::removeRobot(RobotHandle robot) {
   physics_.removeRobot(robot);
   std::erase_if(views_, [robot](const RobotView& view) { return view.handle == robot; });

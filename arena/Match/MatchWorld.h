@@ -36,6 +36,7 @@ class MatchWorld : public RefereeWorld {
   bool goalSensorHit(Side side) const override { return physics_.goalSensorHit(side); }
   void moveRobot(RobotHandle robot, const Eigen::Vector3d& place) override;
   void placeUpright(RobotHandle robot, const Eigen::Vector3d& place, double yawDegrees) override;
+  void changeSides() override;
   void removeRobot(RobotHandle robot) override;
   void setBall(std::optional<Eigen::Vector3d> position,
                std::optional<Eigen::Vector3d> velocity) override;

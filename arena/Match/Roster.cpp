@@ -47,13 +47,20 @@ Eigen::Vector2d Roster::Team::takeStart() {
   return result;
 }
 
+Roster::Roster() {
+  for (Side side : kBothSides)
+    teams_[index(side)].next_start = {ownGoalSign(side) * kStartX, kStartY};
+}
+
+void Roster::changeSides() {
+  std::swap(teams_[0], teams_[1]);
+  std::swap(teams_[0].next_start, teams_[1].next_start);  // belongs to the side
+}
+
 Roster::Team* Roster::teamOf(std::string_view name) {
   for (Side side : kBothSides) {
     Team& team = teams_[index(side)];
-    if (team.name.empty()) {
-      team.name = name;
-      team.next_start = {ownGoalSign(side) * kStartX, kStartY};
-    }
+    if (team.name.empty()) team.name = name;
     if (team.name == name) return &team;
   }
   return nullptr;

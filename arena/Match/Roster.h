@@ -22,6 +22,8 @@ class Roster {
   static constexpr int kMinTypes = 3;
   static constexpr std::size_t kMaxNameLength = 64;
 
+  Roster();
+
   struct Player {
     Side side = Side::None;
     int number = 0;
@@ -35,6 +37,10 @@ class Roster {
   std::optional<Player> admit(std::string_view team, int number, int type);
   // Frees the number and the type of a player that was admitted.
   void release(Side side, int number, int type);
+
+  // Each team with all that is its own now plays on the other side. New players start on the side
+  // where their team then plays.
+  void changeSides();
 
   // Empty until the team's first player.
   const std::string& teamName(Side side) const { return teams_[index(side)].name; }

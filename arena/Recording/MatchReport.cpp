@@ -56,10 +56,23 @@ void MatchReport::watch(const SceneRobot& robot) {
   }
 }
 
+// All that was noted so far goes with the teams.
+void MatchReport::changeSides() {
+  std::map<std::pair<Side, int>, Player> moved;
+  for (auto& [key, player] : players_) moved[{opponent(key.first), key.second}] = player;
+  players_ = std::move(moved);
+  for (GoalEvent& goal : goals_) {
+    goal.side = opponent(goal.side);
+    goal.scorerSide = opponent(goal.scorerSide);
+  }
+  std::swap(possession_[index(Side::Left)], possession_[index(Side::Right)]);
+}
+
 void MatchReport::observe(const Scene& scene, const GameState& game,
                           std::span<const GoalEvent> goals, std::span<const FoulEvent> fouls,
                           const Touch& lastTouch) {
   ++cycles_;
+  if (game.sidesChanged != game_.sidesChanged) changeSides();
   for (const SceneRobot& robot : scene.robots)
     if (robot.side != Side::None) watch(robot);
   goals_.insert(goals_.end(), goals.begin(), goals.end());

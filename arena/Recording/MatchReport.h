@@ -17,7 +17,8 @@
 namespace arena {
 
 // Adds up a match: score, goals, possession, and for each player the distance walked, falls,
-// fouls and late answers. A player who comes back under the same number goes on with his sums.
+// fouls and late answers. Sides are those at the end, also where the teams have changed them. A
+// player who comes back under the same number goes on with his sums.
 class MatchReport {
  public:
   // REQUIRES: called once in each cycle, after the referee.
@@ -54,6 +55,7 @@ class MatchReport {
   };
 
   void watch(const SceneRobot& robot);
+  void changeSides();
 
   std::map<std::pair<Side, int>, Player> players_;
   std::vector<GoalEvent> goals_;

@@ -26,4 +26,9 @@ void BallWatch::update(const RefereeWorld& world, float time) {
   }
 }
 
+void BallWatch::changeSides() {
+  for (Touch& touch : touches_) touch.side = opponent(touch.side);
+  lastTouch_.side = opponent(lastTouch_.side);
+}
+
 }  // namespace arena

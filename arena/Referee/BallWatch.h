@@ -29,6 +29,8 @@ class BallWatch {
  public:
   // REQUIRES: called once after each physics step, with the game time of the cycle.
   void update(const RefereeWorld& world, float time);
+  // The teams change sides: what they have done before goes with them.
+  void changeSides();
 
   // The players who touched the ball in this cycle, each once.
   std::span<const Touch> touches() const { return touches_; }

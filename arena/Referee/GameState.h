@@ -17,6 +17,7 @@ struct GameState {
   float time = 0;
   float modeStart = 0;                   // game time at which the mode was entered
   int half = 1;                          // 1 or 2
+  bool sidesChanged = false;             // whether each team plays on the other's first side
   std::array<int, 2> score = {0, 0};     // by Side
   std::array<std::string, 2> teamNames;  // by Side; empty until the first init of the team
 

@@ -4,6 +4,7 @@
 #include <Eigen/Core>
 #include <array>
 #include <span>
+#include <utility>
 
 #include "Common/Side.h"
 #include "Referee/BallWatch.h"
@@ -33,6 +34,8 @@ class PassMode {
   float scoreWait(Side side, float time) const;
   // Lifts both limits.
   void clear();
+  // The teams change sides; limits and waiting times go with them.
+  void changeSides() { std::swap(sides_[0], sides_[1]); }
 
  private:
   struct State {

@@ -40,11 +40,22 @@ void Referee::step() {
 void Referee::checkHalf() {
   if (game_.half == 1 && game_.time >= options_.halfTime) {
     game_.half = 2;
+    if (options_.changeSides) changeSides();
     setMode(PlayMode::BeforeKickOff);
   } else if (game_.half == 2 && game_.time >= 2 * options_.halfTime &&
              game_.mode != PlayMode::GameOver) {
     setMode(PlayMode::GameOver);
   }
+}
+
+void Referee::changeSides() {
+  world_.changeSides();
+  std::swap(game_.score[0], game_.score[1]);
+  std::swap(game_.teamNames[0], game_.teamNames[1]);
+  game_.sidesChanged = true;
+  ball_.changeSides();
+  pass_.changeSides();
+  clearRestrictions();
 }
 
 void Referee::stepMode() {
@@ -258,7 +269,8 @@ void Referee::enter(PlayMode mode, const Eigen::Vector2d& place) {
 void Referee::kickOff(Side side) {
   if (side == Side::None) {
     if (game_.half == 2 && firstKickOff_ != Side::None) {
-      side = opponent(firstKickOff_);
+      // The other team than in the first half, wherever it plays now.
+      side = game_.sidesChanged ? firstKickOff_ : opponent(firstKickOff_);
     } else {
       side = options_.coinToss && random_.uniform() < 0.5 ? Side::Right : Side::Left;
       if (game_.half == 1) firstKickOff_ = side;

@@ -23,7 +23,8 @@ namespace arena {
 struct RefereeOptions {
   float halfTime = kHalfTime;
   bool autoKickOff = false;
-  bool coinToss = false;  // who kicks off first is drawn instead of left
+  bool coinToss = false;     // who kicks off first is drawn instead of left
+  bool changeSides = false;  // at half time
   std::uint64_t seed = 0;
 };
 
@@ -32,7 +33,8 @@ struct RefereeOptions {
 //
 // Reads and moves robots and ball through a RefereeWorld; owns the GameState. In one cycle:
 // trainer commands (setMode, kickOff, ...), the agents' stored actions (requestPass; beamAllowed
-// and noteBeam for each beam), the physics step, then step().
+// and noteBeam for each beam), the physics step, then step(). Where the teams change sides at half
+// time, step() swaps all that it keeps by side and has the world do the same.
 class Referee {
  public:
   // `world` must outlive the referee.
@@ -75,6 +77,7 @@ class Referee {
  private:
   void enter(PlayMode mode, const Eigen::Vector2d& place);
   void checkHalf();
+  void changeSides();
   void stepMode();
   void stepBeforeKickOff();
   void stepKickOff();

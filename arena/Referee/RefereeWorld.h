@@ -89,6 +89,8 @@ class RefereeWorld {
   virtual void moveRobot(RobotHandle robot, const Eigen::Vector3d& place) = 0;
   // As moveRobot, with the torso upright and turned to the world yaw (degrees; -90 faces +x).
   virtual void placeUpright(RobotHandle robot, const Eigen::Vector3d& place, double yawDegrees) = 0;
+  // Every player now belongs to the other side, with the same number.
+  virtual void changeSides() = 0;
   // Takes the robot out of the physics; its connection stays open. The handle is dead afterwards.
   virtual void removeRobot(RobotHandle robot) = 0;
 

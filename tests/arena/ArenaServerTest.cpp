@@ -612,8 +612,8 @@ TEST(Program, ExplainsEveryOption) {
   EXPECT_EQ(outcome.status, 0);
   for (const char* option :
        {"--agent-port", "--monitor-port", "--bind", "--real-time", "--agent-timeout", "--seed",
-        "--duration", "--half-time", "--auto-kick-off", "--wait-agents", "--no-noise",
-        "--ground-truth", "--record", "--report", "--quiet"}) {
+        "--duration", "--half-time", "--auto-kick-off", "--coin-toss", "--change-sides",
+        "--wait-agents", "--no-noise", "--ground-truth", "--record", "--report", "--quiet"}) {
     EXPECT_NE(outcome.output.find(option), std::string::npos) << option;
   }
 }

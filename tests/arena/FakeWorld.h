@@ -113,6 +113,9 @@ class FakeWorld : public RefereeWorld {
     for (RobotView& view : views_)
       if (view.handle == robot) view.torso = poseAt(place.x(), place.y(), place.z(), yaw);
   }
+  void changeSides() override {
+    for (RobotView& view : views_) view.side = opponent(view.side);
+  }
   void removeRobot(RobotHandle robot) override {
     std::erase_if(views_, [robot](const RobotView& view) { return view.handle == robot; });
   }

@@ -433,6 +433,78 @@ TEST_F(Game, DoesNotKnowTheGone) {
   EXPECT_TRUE(match.agents().empty());
 }
 
+// Agents are not told that the sides have changed; what they see, hear and do is as on the other
+// side.
+TEST(ChangedSides, GoOnAsOnTheOtherSide) {
+  MatchOptions options;
+  options.noise = false;
+  options.half_time = 1.0f;
+  options.change_sides = true;
+  Match match(options);
+  const auto add = [&match](int number, const std::string& team) {
+    const auto agent = match.connect();
+    match.receive(agent, "(scene rsg/agent/nao/nao.rsg)");
+    for (int i = 0; i < 2; ++i) match.step();
+    match.receive(agent, "(init (unum " + std::to_string(number) + ")(teamname " + team + "))");
+    match.step();
+    return agent;
+  };
+  const auto has = [&match](Match::AgentId agent, const std::string& part) {
+    return match.percept(agent).find(part) != std::string::npos;
+  };
+  const auto alpha = add(7, "Alpha");
+  const auto beta = add(5, "Beta");
+  match.trainer().receive("(playMode PlayOn)(score (left 3)(right 1))");
+  while (match.game().half == 1) {
+    match.receive(alpha, "(say hello)");
+    match.step();
+    EXPECT_FALSE(has(beta, "(team left)")) << match.percept(beta);
+  }
+  // In the very cycle of the change:
+  EXPECT_TRUE(has(alpha, "(GS (sl 1) (sr 3) (t ")) << match.percept(alpha);
+  EXPECT_TRUE(has(alpha, "(hear Alpha ")) << match.percept(alpha);
+  EXPECT_EQ(match.world().find(alpha)->side, Side::Right);
+  EXPECT_EQ(match.world().find(beta)->side, Side::Left);
+  for (const SceneRobot& robot : match.scene().robots)
+    EXPECT_EQ(robot.side, robot.handle == alpha ? Side::Right : Side::Left);
+
+  match.receive(alpha, "(beam -4 2 0)");
+  match.step();
+  EXPECT_NEAR(match.world().find(alpha)->torso.translation().x(), 4.0, 0.01);
+  EXPECT_NEAR(match.world().find(alpha)->torso.translation().y(), -2.0, 0.01);
+  bool heard = false;
+  for (int i = 0; i < 6; ++i) {
+    match.receive(alpha, "(say hello)");
+    match.step();
+    heard = heard || has(beta, "(hear Alpha ");
+    EXPECT_FALSE(has(alpha, "(team right)"));
+    if (has(beta, "(See ")) {
+      EXPECT_TRUE(has(beta, "(P (team Alpha) (id 7)") || has(beta, "(P (team Beta) (id 5)"))
+          << match.percept(beta);
+    }
+    EXPECT_FALSE(has(beta, "(P (team Alpha) (id 5)"));
+  }
+  EXPECT_TRUE(heard);
+  const auto late = add(8, "Alpha");
+  EXPECT_TRUE(has(late, "(unum 8) (team right)"));
+  EXPECT_NEAR(match.world().find(late)->torso.translation().x(), 14.2, 0.01);
+}
+
+TEST(CoinToss, DrawsWhoKicksOffWhereNobodyNamesASide) {
+  int left = 0;
+  for (std::uint64_t seed = 0; seed < 40; ++seed) {
+    MatchOptions options;
+    options.seed = seed;
+    options.coin_toss = true;
+    Match match(options);
+    match.trainer().receive("(kickOff None)");
+    match.step();
+    left += match.game().mode == PlayMode::KickOffLeft;
+  }
+  EXPECT_GT(left, 8);
+  EXPECT_LT(left, 32);
+}
+
 TEST(MatchRepeatability, GivesTheSamePerceptsForTheSameSeed) {
   const auto play = [](std::uint64_t seed) {
     MatchOptions options;

@@ -298,6 +298,29 @@ TEST_F(MatchReportTest, PossessionIsTheShareOfPlayOn) {
   EXPECT_EQ(json["cycles"], 140);
 }
 
+TEST_F(MatchReportTest, SidesAreThoseAtTheEnd) {
+  game.teamNames = {"Alpha", "Beta"};
+  game.score = {1, 0};
+  const GoalEvent goal{Side::Left, 10.02f, Side::Left, 2};
+  const FoulEvent foul{1, FoulType::Charging, Side::Left, 2, true};
+  report.observe(scene, game, {&goal, 1}, {&foul, 1}, Touch{.side = Side::Left});
+  observe(Side::Left);
+  game.sidesChanged = true;
+  game.teamNames = {"Beta", "Alpha"};
+  game.score = {0, 1};
+  for (SceneRobot& robot : scene.robots) robot.side = opponent(robot.side);
+  observe(Side::Right);
+  observe(Side::Left);
+  const auto json = nlohmann::json::parse(report.json());
+  EXPECT_EQ(json["teams"]["right"]["name"], "Alpha");
+  EXPECT_EQ(json["teams"]["right"]["possession"], 0.75);
+  EXPECT_EQ(json["goals"][0]["team"], "right");
+  EXPECT_EQ(json["goals"][0]["scorer_team"], "right");
+  ASSERT_EQ(json["players"].size(), scene.robots.size());
+  EXPECT_EQ(player()["team"], "right");
+  EXPECT_EQ(player()["fouls"]["charging"], 1);
+}
+
 TEST_F(MatchReportTest, GoalsFoulsAndLateAnswersAreListed) {
   game.teamNames = {"Alpha", "B\xff"};  // not a text in any encoding that JSON knows
   game.score = {1, 1};

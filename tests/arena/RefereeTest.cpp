@@ -168,6 +168,82 @@ TEST(RefereeOptionsTest, CoinTossDrawsBothSides) {
   EXPECT_LT(left, 75);
 }
 
+class ChangedSidesTest : public testing::Test, public RefereeFixture {
+ protected:
+  ChangedSidesTest() : RefereeFixture({.changeSides = true}) {
+    addPlayers();
+    referee.setTeamName(Side::Left, "Alpha");
+    referee.setTeamName(Side::Right, "Beta");
+  }
+  void endFirstHalf() {
+    referee.setTime(299.99f);
+    if (stopsClock(mode())) start(PlayMode::PlayOn);
+    step();
+    ASSERT_EQ(referee.game().half, 2);
+  }
+};
+
+TEST_F(ChangedSidesTest, TeamsTakeTheirNamesScoresAndNumbersAlong) {
+  referee.setScore(2, 1);
+  endFirstHalf();
+  EXPECT_TRUE(referee.game().sidesChanged);
+  EXPECT_EQ(referee.game().score, (std::array<int, 2>{1, 2}));
+  EXPECT_EQ(referee.game().teamNames, (std::array<std::string, 2>{"Beta", "Alpha"}));
+  EXPECT_EQ(world.find(Side::Right, 3)->handle, left3);
+  EXPECT_EQ(world.find(Side::Left, 2)->handle, right2);
+  EXPECT_EQ(world.find(Side::Left, 3), nullptr);
+}
+
+TEST_F(ChangedSidesTest, EverybodyIsInHisNewHalfAtOnce) {
+  endFirstHalf();
+  EXPECT_NEAR(world.place(left2).x(), 2.5, 1e-9);
+  EXPECT_NEAR(world.place(right2).x(), -2.5, 1e-9);
+}
+
+TEST_F(ChangedSidesTest, UnnamedKickOffStaysOnItsSide) {
+  referee.kickOff(Side::None);
+  ASSERT_EQ(mode(), PlayMode::KickOffLeft);
+  endFirstHalf();
+  referee.kickOff(Side::None);
+  EXPECT_EQ(mode(), PlayMode::KickOffLeft);
+}
+
+TEST_F(ChangedSidesTest, TheLastToucherGoesWithHisTeam) {
+  start(PlayMode::PlayOn);
+  touch(left2);
+  endFirstHalf();
+  EXPECT_EQ(referee.lastTouch().side, Side::Right);
+  start(PlayMode::PlayOn);
+  world.setBallAt(3, 10.1);
+  step();
+  EXPECT_EQ(mode(), PlayMode::KickInLeft);
+}
+
+TEST_F(ChangedSidesTest, TheWaitForAnotherPassModeGoesWithTheTeam) {
+  start(PlayMode::PassLeft);
+  referee.setTime(298);
+  step();
+  endFirstHalf();
+  start(PlayMode::PlayOn);
+  world.put(left2, 0.3, 0);
+  referee.requestPass(left2);  // two seconds after his last pass mode
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  world.put(left2, 5, 5);
+  world.put(right2, -0.3, 0);
+  referee.requestPass(right2);
+  EXPECT_EQ(mode(), PlayMode::PassLeft);
+}
+
+TEST_F(RefereeTest, SidesAreNotChangedUnlessAskedFor) {
+  referee.setScore(2, 1);
+  referee.setTime(300);
+  step();
+  ASSERT_EQ(referee.game().half, 2);
+  EXPECT_FALSE(referee.game().sidesChanged);
+  EXPECT_EQ(referee.game().score, (std::array<int, 2>{2, 1}));
+  EXPECT_EQ(world.find(Side::Left, 3)->handle, left3);
+}
+
 TEST_F(RefereeTest, BeamIsAllowedBeforeKickOffAndAfterGoals) {
   for (std::size_t i = 0; i < kPlayModeCount; ++i) {
     const auto mode = static_cast<PlayMode>(i);

@@ -95,6 +95,31 @@ TEST(Roster, BeginsANewRowBelowTheField) {
   EXPECT_GE(player->start.y(), 8.0 - 1e-9);
 }
 
+TEST(Roster, ChangedSidesKeepTeamsTogether) {
+  Roster roster;
+  ASSERT_TRUE(roster.admit("A", 1, 0));
+  ASSERT_TRUE(roster.admit("B", 2, 0));
+  roster.changeSides();
+  EXPECT_EQ(roster.teamName(Side::Left), "B");
+  EXPECT_EQ(roster.teamName(Side::Right), "A");
+  EXPECT_FALSE(roster.admit("A", 1, 1));  // in use
+  roster.release(Side::Right, 1, 0);
+  const auto again = roster.admit("A", 1, 0);
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again->side, Side::Right);
+  EXPECT_NEAR(again->start.x(), 14.2, 1e-9);
+}
+
+TEST(Roster, ATeamThatComesAfterTheChangeTakesTheFreeSide) {
+  Roster roster;
+  ASSERT_TRUE(roster.admit("A", 1, 0));
+  roster.changeSides();
+  const auto late = roster.admit("B", 1, 0);
+  ASSERT_TRUE(late);
+  EXPECT_EQ(late->side, Side::Left);
+  EXPECT_NEAR(late->start.x(), -14.2, 1e-9);
+}
+
 TEST(Roster, RefusesNamesThatCannotBePrinted) {
   Roster roster;
   for (const char* name : {"", "a b", "a(b", "x)", "\"q\"", "new\nline", "a;b", "back\\slash"}) {

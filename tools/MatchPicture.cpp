@@ -78,6 +78,28 @@ std::string goalList(const std::vector<Goal>& goals) {
   return text;
 }
 
+// Where the teams change sides at half time, everything is drawn by the sides on which they began:
+// a team keeps its colour.
+class FirstSides {
+ public:
+  // REQUIRES: called with the names of the teams in each cycle.
+  void observe(const std::array<std::string, 2>& names) {
+    if (names == names_) return;
+    if (names[0] == names_[1] && names[1] == names_[0]) changed_ = !changed_;
+    names_ = names;
+  }
+  Side of(Side side) const { return changed_ ? opponent(side) : side; }
+  template <class T>
+  std::array<T, 2> of(const std::array<T, 2>& bySide) const {
+    return changed_ ? std::array<T, 2>{bySide[1], bySide[0]} : bySide;
+  }
+  std::array<std::string, 2> names() const { return of(names_); }
+
+ private:
+  std::array<std::string, 2> names_;
+  bool changed_ = false;
+};
+
 }  // namespace
 
 std::string drawMatch(const std::string& path, const MatchPictureOptions& options) {
@@ -90,22 +112,27 @@ std::string drawMatch(const std::string& path, const MatchPictureOptions& option
   double last = 0;
   std::array<int, 2> score{};
   int fouls = 0;
+  FirstSides sides;
   while (reader.next(cycle)) {
+    sides.observe(reader.teamNames());
     const double time = static_cast<double>(cycle.time);
     if (time < options.from || time > options.to) continue;
     if (first < 0) first = time;
     last = time;
-    score = cycle.score;
+    score = sides.of(cycle.score);
     const Eigen::Vector3d place = cycle.ball.translation();
     ball.add(place, kBallJump);
     for (const RecordedRobot& robot : cycle.robots)
-      players[{robot.side, robot.number}].add(robot.torso.translation(), kRobotJump);
-    for (const GoalEvent& goal : cycle.goals)
-      goals.push_back({goal, {place.x(), place.y()}, cycle.score});
+      players[{sides.of(robot.side), robot.number}].add(robot.torso.translation(), kRobotJump);
+    for (GoalEvent goal : cycle.goals) {
+      goal.side = sides.of(goal.side);
+      goal.scorerSide = sides.of(goal.scorerSide);
+      goals.push_back({goal, {place.x(), place.y()}, score});
+    }
     fouls += static_cast<int>(cycle.fouls.size());
   }
 
-  std::array<std::string, 2> names = reader.teamNames();
+  std::array<std::string, 2> names = sides.names();
   for (std::size_t i = 0; i < 2; ++i)
     if (names[i].empty()) names[i] = kNames[i];
   const std::string title = names[0] + "  " + scoreText(score) + "  " + names[1];

@@ -92,6 +92,33 @@ TEST_F(MatchPictureTest, CanBeLimitedInTimeAndToTheBall) {
   EXPECT_NE(run(path + " --from 50").output.find("nothing recorded"), std::string::npos);
 }
 
+TEST_F(MatchPictureTest, TeamsThatChangeSidesKeepTheirNameAndTheirPath) {
+  {
+    RecordingWriter writer(path);
+    Scene scene;
+    SceneRobot robot;
+    robot.handle = 1;
+    robot.side = Side::Left;
+    robot.number = 7;
+    for (auto& body : robot.bodies) body = poseAt(-5, 0, 0.38);
+    scene.robots.push_back(robot);
+    GameState game;
+    game.teamNames = {"Alpha", "Beta"};
+    game.score = {2, 1};
+    writer.write(scene, game, {}, {});
+    scene.robots[0].side = Side::Right;
+    game.teamNames = {"Beta", "Alpha"};
+    game.score = {1, 3};
+    game.time = 0.02f;
+    const GoalEvent goal{Side::Right, game.time, Side::Right, 7};
+    writer.write(scene, game, {&goal, 1}, {});
+  }
+  const Outcome outcome = run(path);
+  EXPECT_NE(outcome.output.find("Alpha  3 : 1  Beta"), std::string::npos);
+  EXPECT_NE(outcome.output.find("3 : 1 at 0.0 s, number 7"), std::string::npos);
+  EXPECT_NE(outcome.output.find("1 players"), std::string::npos);
+}
+
 TEST_F(MatchPictureTest, WritesAFile) {
   const std::string picture = path + ".svg";
   EXPECT_EQ(run(path + " -o " + picture).status, 0);

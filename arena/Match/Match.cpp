@@ -194,12 +194,14 @@ void Match::readSay(Agent& agent, Node term) {
   const std::string_view text = term.child(1).text();
   if (agent.side == Side::None || term.size() != 2 || !isSpeakable(text)) return;
   // One voice is heard once per cycle.
-  const bool heard = std::any_of(said_.begin(), said_.end(), [&agent](const Utterance& other) {
-    return other.speaker == agent.id;
-  });
-  if (heard) return;
-  const Eigen::Vector3d place = robotOf(agent)->torsoPose().translation();
-  said_.push_back({agent.id, agent.side, place, std::string(text)});
+  if (agent.hearing.spoke()) return;
+  const Utterance utterance{agent.id, agent.side, robotOf(agent)->torsoPose().translation(),
+                            std::string(text)};
+  for (const auto& hearer : agents_) {
+    const RobotBody* robot = robotOf(*hearer);
+    if (robot == nullptr) continue;
+    hearer->hearing.hear(utterance, hearer->id, hearer->side, robot->torsoPose().translation());
+  }
 }
 
 void Match::step() {
@@ -208,7 +210,6 @@ void Match::step() {
       std::count_if(agents_.begin(), agents_.end(), [](const auto& a) { return a->connected; })));
   for (const auto& agent : agents_) {
     agent->sensing = agent->built;
-    agent->hearing.nextCycle();
   }
   buildRobots();
   admitPlayers();
@@ -352,12 +353,7 @@ void Match::makePercepts() {
   for (const auto& agent : agents_) {
     const RobotBody* robot = robotOf(*agent);
     if (!agent->sensing || robot == nullptr) continue;
-    for (const Utterance& utterance : said_) {
-      agent->hearing.hear(utterance, agent->id, agent->side, robot->torsoPose().translation());
-    }
-    agent->calls = {std::any_of(said_.begin(), said_.end(),
-                                [&](const Utterance& u) { return u.speaker == agent->id; }),
-                    agent->hearing.heard()};
+    agent->calls = {agent->hearing.spoke(), agent->hearing.heard()};
     std::string& text = agent->percept;
     text.clear();
     text += "(time (now ";
@@ -374,8 +370,8 @@ void Match::makePercepts() {
                           text);
     }
     writeJoints(*robot, kHeadJoints, robot->model().joints.size(), text);
+    agent->hearing.nextCycle();
   }
-  said_.clear();
 }
 
 }  // namespace arena

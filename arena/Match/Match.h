@@ -104,7 +104,8 @@ class Match {
     bool connected = true;
     std::optional<int> scene;  // robot type asked for
     bool built = false;
-    bool sensing = false;  // percepts are made, from the cycle after the building
+    bool sensing =
+        false;  // percepts are made, from the cycle after the building
     std::optional<Init> init;
     std::optional<Beam> beam;
     bool pass = false;
@@ -152,7 +153,6 @@ class Match {
   std::vector<std::unique_ptr<Agent>> agents_;
   AgentId next_id_ = 1;
   SExpression expression_;
-  std::vector<Utterance> said_;
   Scene scene_;
   bool sides_changed_ = false;
   float time_ = 0.0f;  // single precision, like the game's clock

@@ -11,11 +11,12 @@
 
 namespace arena {
 
-// Something said by a player in this cycle.
+// Something said by a player in this cycle. It is heard when it is said, before the cycle's physics
+// step: the direction in which the speaker is heard is one step older than the rest of the percept.
 struct Utterance {
   int speaker;  // handle of the robot
   Side side;
-  Eigen::Vector3d place;  // of the speaker's torso, m, world
+  Eigen::Vector3d place;  // of the speaker's torso when it was said, m, world
   std::string text;
 };
 
@@ -26,11 +27,14 @@ bool isSpeakable(std::string_view text);
 // every second cycle. Of several in one cycle the first one counts. The own voice is always heard.
 class Hearing {
  public:
-  // Forgets the last cycle's messages and recovers. To be called once per cycle, before hear().
+  // Forgets the last cycle's messages and recovers. To be called once per cycle, before hear() of
+  // the next one.
   void nextCycle();
   // `self`: handle; `side`, `place`: of the hearer (torso, m, world). A robot without a team hears
   // nothing. Everything on the pitch and around it up to 50 m away is in range.
   void hear(const Utterance& utterance, int self, Side side, const Eigen::Vector3d& place);
+  // Whether the own voice is heard in this cycle.
+  bool spoke() const { return own_.has_value(); }
   // Messages of others that are heard in this cycle.
   int heard() const { return (mates_.message ? 1 : 0) + (opponents_.message ? 1 : 0); }
   // Appends a hear expression for each: own, team-mate, opponent. `time`: game time, s.

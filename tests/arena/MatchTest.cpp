@@ -397,6 +397,29 @@ TEST_F(Game, LetsPlayersHearEachOther) {
   EXPECT_FALSE(contains(match.percept(a), "hear"));
 }
 
+// In recordings of the league's server walking players hear each other in the direction that was
+// true before the step, to the last digit.
+TEST_F(Game, HearsFromWhereBothStoodWhenItWasSaid) {
+  const auto speaker = join(match, 1, "Alpha");
+  const auto hearer = join(match, 1, "Beta");
+  match.receive(speaker, "(beam -3 0 0)");
+  match.receive(hearer, "(beam -3 0 0)");
+  match.step();
+  match.receive(speaker, "(say hello)(beam -3 5 0)");
+  match.receive(hearer, "(beam -3 -7 0)");
+  match.step();
+  EXPECT_TRUE(
+      std::regex_search(match.percept(hearer), std::regex(R"(\(hear Alpha 0\.00 -?0\.00 hello\))")))
+      << match.percept(hearer);
+  // The agent whose message is read later hears no different.
+  match.receive(hearer, "(beam -3 2 0)");
+  match.receive(hearer, "(say there)");
+  match.step();
+  EXPECT_TRUE(std::regex_search(match.percept(speaker),
+                                std::regex(R"(\(hear Beta 0\.00 18\.4[0-9] there\))")))
+      << match.percept(speaker);
+}
+
 TEST_F(Game, SurvivesRubbishFromAgents) {
   std::vector<std::string> log;
   MatchOptions options = exact();

@@ -59,6 +59,7 @@ class Game {
     const int type = number <= 7 ? 0 : (number <= 9 ? 2 : 4);
     match_.receive(agent, "(scene rsg/agent/nao/nao_hetero.rsg " + std::to_string(type) + ")");
     match_.step();
+    match_.step();
     match_.receive(agent, "(init (unum " + std::to_string(number) + ")(teamname " +
                               (i % 2 == 0 ? "Alpha" : "Beta") + "))");
     match_.step();

@@ -122,7 +122,7 @@ void Match::receive(AgentId id, std::string_view frame) {
     if (!agent->built) {
       // Without a body it can only ask for one.
       if (term.name() == "scene") readScene(*agent, term);
-    } else if (robot != nullptr) {
+    } else if (agent->sensing && robot != nullptr) {
       readTerm(*agent, *robot, term);
     }
   }

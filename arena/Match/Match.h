@@ -51,7 +51,8 @@ class Match {
 
   // Reads one message of the agent. Hinge velocities and what is said take effect at once; scene,
   // init, beam and pass are carried out in the next step, the last one of each kind. Anything that
-  // cannot be understood is ignored. Unknown agents: no effect.
+  // cannot be understood is ignored, and so is all but the scene until the robot has been there for
+  // a whole cycle, which is when the first percept is made. Unknown agents: no effect.
   void receive(AgentId agent, std::string_view frame);
 
   // What the agent said and heard in the last cycle; the own voice does not count as heard.
@@ -105,7 +106,7 @@ class Match {
     std::optional<int> scene;  // robot type asked for
     bool built = false;
     bool sensing =
-        false;  // percepts are made, from the cycle after the building
+        false;  // percepts are made and effectors work, from the cycle after the building
     std::optional<Init> init;
     std::optional<Beam> beam;
     bool pass = false;

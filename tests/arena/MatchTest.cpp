@@ -85,6 +85,20 @@ TEST_F(Game, BuildsTheRobotInTheSceneCycleAndMakesTheFirstPerceptInTheNext) {
   EXPECT_NEAR(match.world().robots()[0].torso.translation().z(), 1.4882, 5e-5);
 }
 
+TEST_F(Game, UnderstandsEffectorsOnceTheFirstPerceptIsMade) {
+  const auto agent = match.connect();
+  match.receive(agent, "(scene rsg/agent/nao/nao_hetero.rsg 0)(init (unum 1)(teamname Alpha))");
+  match.step();
+  match.receive(agent, "(init (unum 1)(teamname Alpha))(he1 1.5)");
+  match.step();
+  EXPECT_EQ(view(match, agent).side, Side::None);
+  EXPECT_TRUE(std::regex_search(match.percept(agent), std::regex(R"(hj1\) \(ax -?0\.00)")));
+  match.receive(agent, "(init (unum 1)(teamname Alpha))(he1 1.5)");
+  match.step();
+  EXPECT_EQ(view(match, agent).side, Side::Left);
+  EXPECT_TRUE(contains(match.percept(agent), "(HJ (n hj1) (ax 1.7"));
+}
+
 TEST_F(Game, TakesTheSceneWithoutATypeForTypeZero) {
   const auto agent = match.connect();
   match.receive(agent, "(scene rsg/agent/nao/nao.rsg)");

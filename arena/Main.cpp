@@ -150,6 +150,7 @@ int main(int argc, char** argv) {
     ProgressLine progress(quiet);
     const auto log = [&progress](const std::string& text) { progress.log(text); };
     match_options.noise = !no_noise;
+    match_options.real_time = server_options.real_time;
     match_options.log = log;
     server_options.handle_signals = true;
     Chronicle chronicle(recording, report);

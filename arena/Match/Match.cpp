@@ -164,6 +164,7 @@ void Match::readScene(Agent& agent, Node term) {
   } else {
     warn(agent, "unknown scene " + std::string(file.substr(0, kMaxWarningLength)));
   }
+  if (!options_.real_time) agent.cycles = 1;
 }
 
 void Match::readInit(Agent& agent, Node term) {
@@ -351,6 +352,7 @@ void Match::makePercepts() {
   const std::array<std::string, 2> names = teamNames();
   const double game_time = referee_.game().time;
   for (const auto& agent : agents_) {
+    const bool picture = ++agent->cycles % kCyclesPerPicture == 0;
     const RobotBody* robot = robotOf(*agent);
     if (!agent->sensing || robot == nullptr) continue;
     agent->calls = {agent->hearing.spoke(), agent->hearing.heard()};
@@ -363,7 +365,7 @@ void Match::makePercepts() {
     agent->hearing.write(names, game_time, text);
     writeTorsoSensors(*robot, text);
     writeJoints(*robot, 0, kHeadJoints, text);
-    if (agent->percepts++ % kCyclesPerPicture == 0) {
+    if (picture) {
       const auto self = std::find_if(scene_.robots.begin(), scene_.robots.end(),
                                      [&](const SceneRobot& r) { return r.handle == agent->id; });
       agent->vision.write(scene_, static_cast<std::size_t>(self - scene_.robots.begin()), names,

@@ -30,6 +30,9 @@ struct MatchOptions {
   bool change_sides = false;  // at half time
   bool noise = true;          // of vision, camera offset and beam
   bool ground_truth = false;  // mypos, myorien and ballpos terms
+  // An agent's pictures are counted from its connection. In lockstep it is chance in which cycle
+  // somebody connects; there they are counted from its scene message.
+  bool real_time = false;
   std::function<void(const std::string&)> log = [](const std::string&) {};
 };
 
@@ -114,7 +117,7 @@ class Match {
     Side side = Side::None;
     int number = 0;
     bool announce = false;  // the next game state tells side and number
-    int percepts = 0;       // made so far
+    int cycles = 1;         // percepts due since it is counted, with that of the connection
     Vision vision;
     Random beam_noise;
     Hearing hearing;

@@ -282,6 +282,30 @@ TEST_F(Game, SeesInEveryThirdPercept) {
   EXPECT_TRUE(seen == "100100100" || seen == "010010010" || seen == "001001001") << seen;
 }
 
+TEST(Pictures, AreCountedFromTheConnectionInRealTimeAndFromTheSceneInLockstep) {
+  // In which percept the first picture comes to an agent that sends its scene so many cycles after
+  // the first one possible.
+  const auto first = [](bool real_time, int delay) {
+    MatchOptions options;
+    options.real_time = real_time;
+    Match match(options);
+    const auto agent = match.connect();
+    for (int i = 0; i < delay; ++i) match.step();
+    match.receive(agent, "(scene rsg/agent/nao/nao_hetero.rsg 0)");
+    match.step();
+    for (int percept = 1; percept <= 3; ++percept) {
+      match.step();
+      if (match.percept(agent).find("(See ") != std::string::npos) return percept;
+    }
+    return 0;
+  };
+  EXPECT_EQ(first(true, 0), 1);
+  EXPECT_EQ(first(true, 1), 3);
+  EXPECT_EQ(first(true, 2), 2);
+  EXPECT_EQ(first(true, 3), 1);
+  for (int delay = 0; delay < 4; ++delay) EXPECT_EQ(first(false, delay), 1) << delay;
+}
+
 TEST_F(Game, LeavesTheFeetOutInTheAir) {
   const auto agent = match.connect();
   match.receive(agent, "(scene rsg/agent/nao/nao_hetero.rsg 0)");

@@ -168,11 +168,6 @@ void Match::readScene(Agent& agent, Node term) {
 }
 
 void Match::readInit(Agent& agent, Node term) {
-  // A player keeps its place: a second init of an accepted one is left out.
-  if (agent.side != Side::None) {
-    warn(agent, "init of a player that has its place");
-    return;
-  }
   const Node team = term.find("teamname");
   if (!team) return;
   if (!SExpression::isPlainAtom(team.child(1).text())) {
@@ -246,9 +241,12 @@ void Match::admitPlayers() {
   for (Agent* agent : candidates) admit(*agent);
 }
 
+// A player who asks again is moved like a new one: to the next start place with a new number, while
+// the old number stays taken, or, refused, to where the refused fall.
 void Match::admit(Agent& agent) {
   const Init init = *agent.init;
   agent.init.reset();
+  if (agent.side != Side::None) warn(agent, "init of a player that has its place");
   const auto player = roster_.admit(init.team, init.number, *agent.scene);
   if (!player) {
     warn(agent, "init refused for number " + std::to_string(init.number) + " of team " +

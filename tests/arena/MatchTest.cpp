@@ -203,6 +203,24 @@ TEST_F(Game, DropsTheRefusedAboveTheMiddleAndLetsThemAskAgain) {
   EXPECT_EQ(view(match, second).number, 4);
 }
 
+TEST_F(Game, MovesAPlayerThatAsksAgainAndKeepsItsOldNumberTaken) {
+  const auto agent = join(match, 3, "Alpha");
+  match.receive(agent, "(init (unum 3)(teamname Alpha))");
+  match.step();
+  EXPECT_NEAR(view(match, agent).torso.translation().z(), 10.0, 0.01);
+  EXPECT_EQ(view(match, agent).number, 3);
+  EXPECT_FALSE(contains(match.percept(agent), "unum"));
+  match.receive(agent, "(init (unum 5)(teamname Alpha))");
+  match.step();
+  EXPECT_EQ(view(match, agent).number, 5);
+  EXPECT_NEAR(view(match, agent).torso.translation().y(), 8.0, 1e-3);
+  EXPECT_TRUE(contains(match.percept(agent), "(GS (unum 5) (team left) "));
+  EXPECT_EQ(view(match, join(match, 3, "Alpha")).side, Side::None);
+  match.disconnect(agent);
+  match.step();
+  EXPECT_EQ(view(match, join(match, 5, "Alpha")).side, Side::Left);
+}
+
 TEST_F(Game, FreesANumberWhenThePlayerLeaves) {
   const auto first = join(match, 3, "Alpha");
   match.disconnect(first);

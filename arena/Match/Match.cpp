@@ -305,9 +305,11 @@ void Match::carryOutBeam(Agent& agent) {
 void Match::changeSides() {
   sides_changed_ = referee_.game().sidesChanged;
   roster_.changeSides();
-  for (const auto& agent : agents_) agent->side = opponent(agent->side);
+  for (const auto& agent : agents_) {
+    agent->side = opponent(agent->side);
+    agent->hearing.changeSides();
+  }
   for (SceneRobot& robot : scene_.robots) robot.side = opponent(robot.side);
-  for (Utterance& utterance : said_) utterance.side = opponent(utterance.side);
 }
 
 // A robot that the trainer has removed is as gone as one whose agent has left.

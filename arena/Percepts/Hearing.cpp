@@ -55,6 +55,12 @@ void Hearing::hear(const Utterance& utterance, int self, Side side, const Eigen:
   channel.message = Message{utterance.side, direction, utterance.text};
 }
 
+void Hearing::changeSides() {
+  for (auto* message : {&own_, &mates_.message, &opponents_.message}) {
+    if (*message) (*message)->side = opponent((*message)->side);
+  }
+}
+
 void Hearing::write(const std::array<std::string, 2>& team_names, double time,
                     std::string& text) const {
   if (own_) {

@@ -33,6 +33,8 @@ class Hearing {
   // `self`: handle; `side`, `place`: of the hearer (torso, m, world). A robot without a team hears
   // nothing. Everything on the pitch and around it up to 50 m away is in range.
   void hear(const Utterance& utterance, int self, Side side, const Eigen::Vector3d& place);
+  // The teams change sides: what has been heard in this cycle keeps its speaker's team.
+  void changeSides();
   // Whether the own voice is heard in this cycle.
   bool spoke() const { return own_.has_value(); }
   // Messages of others that are heard in this cycle.

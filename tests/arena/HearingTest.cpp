@@ -72,6 +72,15 @@ TEST_F(Ears, ForgetsInTheNextCycle) {
   EXPECT_EQ(heard(), "");
 }
 
+TEST_F(Ears, KeepsTheSpeakersTeamsWhenSidesChange) {
+  hear(said(9, Side::Right, "enemy", {1.0, 5.0, 0.38}));
+  hear(said(kSelf, Side::Left, "mine", {1.0, 2.0, 0.38}));
+  hearing.changeSides();
+  std::string text;
+  hearing.write({kNames[1], kNames[0]}, 300.0, text);
+  EXPECT_EQ(text, "(hear Alpha 300.00 self mine)(hear Beta 300.00 90.00 enemy)");
+}
+
 TEST_F(Ears, DoesNotReachFartherThanFiftyMetres) {
   hear(said(6, Side::Left, "far", {51.5, 2.0, 0.38}));
   EXPECT_EQ(heard(), "");

@@ -30,7 +30,8 @@ bool inView(const Polar& polar);
 // If both ends are in view they are returned as they are. Otherwise the line is cut with the four
 // sides of the pyramid that the image window spans; of two cuts the one at the side tested first
 // (top, bottom, left, right) comes first. A piece that leaves the window only through the near
-// plane is not seen, nor is now and then one cut at top or bottom, by single-precision rounding.
+// plane is not seen, nor is one in five of those cut at top or bottom, by single-precision
+// rounding.
 std::optional<std::pair<Eigen::Vector3d, Eigen::Vector3d>> clipLine(const Eigen::Vector3d& begin,
                                                                     const Eigen::Vector3d& end);
 

@@ -15,8 +15,10 @@ constexpr std::chrono::milliseconds kPatience{20};
 constexpr std::size_t kMaxAgents = 64;
 constexpr std::size_t kMaxMonitors = 32;
 
+// As in the league's server: while a part of an agent's frame is not sent, those after it are
+// dropped.
 constexpr FramedConnection::Limits kAgentLimits{
-    .frame_length = std::size_t{64} << 10, .queue = 64, .unsent = std::size_t{128} << 10};
+    .frame_length = std::size_t{64} << 10, .queue = 64, .unsent = 0};
 // A full monitor message of 22 robots has some 100 kB.
 constexpr FramedConnection::Limits kMonitorLimits{
     .frame_length = std::size_t{64} << 10, .queue = 256, .unsent = std::size_t{1} << 20};

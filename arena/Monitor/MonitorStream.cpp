@@ -13,6 +13,11 @@ void appendTerm(std::string& text, std::string_view name, double value) {
   text += ')';
 }
 
+// Viewers read whole numbers as such: they must not be rounded or get an exponent.
+void appendTerm(std::string& text, std::string_view name, int value) {
+  text.append("(").append(name).append(" ").append(std::to_string(value)).append(")");
+}
+
 void appendTerm(std::string& text, std::string_view name, std::string_view value) {
   text.append("(").append(name).append(" ").append(value).append(")");
 }
@@ -67,8 +72,7 @@ void appendState(std::string& text, const GameState& game, const GameState* sent
   if (!sent || game.half != sent->half) appendTerm(text, "half", game.half);
   for (std::size_t i = 0; i < 2; ++i)
     if (!sent || game.score[i] != sent->score[i]) appendTerm(text, kScores[i], game.score[i]);
-  if (!sent || game.mode != sent->mode)
-    appendTerm(text, "play_mode", static_cast<double>(game.mode));
+  if (!sent || game.mode != sent->mode) appendTerm(text, "play_mode", static_cast<int>(game.mode));
   for (std::size_t i = 0; i < 2; ++i)
     if (game.mode == PlayMode::PlayOn && passWait[i] > 0)
       appendTerm(text, kWaits[i], static_cast<double>(passWait[i]));
@@ -90,7 +94,8 @@ constexpr std::string_view kPartialHead = "(RDS 0 1)";
 }  // namespace
 
 void MonitorStream::noteFouls(std::span<const FoulEvent> fouls) {
-  // Enough for every robot in both cycles of a message; without viewers older ones are forgotten.
+  // Enough for every robot in both cycles of a message; a viewer who does not read loses older
+  // ones.
   constexpr std::size_t kMaxFouls = 256;
   fouls_.insert(fouls_.end(), fouls.begin(), fouls.end());
   if (fouls_.size() > kMaxFouls)
@@ -124,17 +129,6 @@ std::string MonitorStream::next(const Scene& scene, const GameState& game,
   }
   sent_ = game;
   fouls_.clear();
-  return text;
-}
-
-std::string MonitorStream::full(const Scene& scene, const GameState& game,
-                                std::array<float, 2> passWait) const {
-  std::string text = "(";
-  appendEnvironment(text, halfTime_);
-  appendState(text, game, nullptr, passWait);
-  text += ')';
-  text += kFullHead;
-  SceneGraph(scene).writeFull(scene, text);
   return text;
 }
 

@@ -14,11 +14,12 @@
 
 namespace arena {
 
-// Writes the messages that the league's viewers read: environment and game state, the head
+// Writes the messages that one of the league's viewers reads: environment and game state, the head
 // (RSG 0 1) or (RDS 0 1), and the scene graph.
 //
 // A full message describes everything. A partial one repeats the tree with what has changed since
-// the last message of the stream; viewers match its nodes by their position.
+// the last message of the stream; viewers match its nodes by their position. So every viewer needs
+// a stream of its own: what has changed depends on the cycles whose messages he was sent.
 class MonitorStream {
  public:
   // Every second cycle a message goes out.
@@ -31,13 +32,10 @@ class MonitorStream {
   // The next message of the stream will be a full one.
   void requestFull() { fullRequested_ = true; }
 
-  // The next message for all viewers: full if it was requested, or if robots have come, gone or
+  // The next message: full if it is the first one or was requested, or if robots have come, gone or
   // been given a team since the last full one. `passWait`: seconds for which each side (left,
   // right) cannot score after its pass mode.
   std::string next(const Scene& scene, const GameState& game, std::array<float, 2> passWait);
-  // A full message for one viewer who has just connected; the stream goes on as if it had not been
-  // written.
-  std::string full(const Scene& scene, const GameState& game, std::array<float, 2> passWait) const;
 
  private:
   // What identifies a robot's part of the tree.

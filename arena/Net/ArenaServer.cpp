@@ -19,9 +19,11 @@ constexpr std::size_t kMaxMonitors = 32;
 // dropped.
 constexpr FramedConnection::Limits kAgentLimits{
     .frame_length = std::size_t{64} << 10, .queue = 64, .unsent = 0};
-// A full monitor message of 22 robots has some 100 kB.
 constexpr FramedConnection::Limits kMonitorLimits{
     .frame_length = std::size_t{64} << 10, .queue = 256, .unsent = std::size_t{1} << 20};
+// A monitor that has not taken so much is passed over. A full message of 22 robots has some 100 kB,
+// so that there is always room for the one that follows.
+constexpr std::size_t kMonitorBacklog = std::size_t{512} << 10;
 
 std::string quoted(std::string_view reason) {
   return reason.empty() ? std::string() : " (" + std::string(reason) + ")";
@@ -36,8 +38,7 @@ ArenaServer::ArenaServer(Match& match, const ServerOptions& options,
       log_(std::move(log)),
       agent_acceptor_(open(options.agent_port)),
       monitor_acceptor_(open(options.monitor_port)),
-      signals_(io_),
-      stream_(match.halfTime()) {
+      signals_(io_) {
   if (options_.handle_signals) {
     signals_.add(SIGINT);
     signals_.add(SIGTERM);
@@ -97,11 +98,11 @@ void ArenaServer::acceptMonitor() {
     if (!error && monitors_.size() >= kMaxMonitors) {
       log_("monitor turned away: too many connections");
     } else if (!error) {
-      if (monitors_.empty()) stream_.requestFull();
       MonitorSession& session = monitors_.emplace_back();
+      session.stream = MonitorStream(match_.halfTime());
       session.connection = std::make_shared<FramedConnection>(std::move(socket), kMonitorLimits);
       session.connection->start([this, &session] { onMonitorEvent(session); });
-      session.connection->send(stream_.full(match_.scene(), match_.game(), passWait()));
+      session.connection->send(session.stream.next(match_.scene(), match_.game(), passWait()));
     }
     acceptMonitor();
   });
@@ -252,21 +253,19 @@ void ArenaServer::sendPercepts() {
 }
 
 void ArenaServer::sendMonitors() {
-  if (match_.trainer().takeFullStateRequest()) stream_.requestFull();
-  if (monitors_.empty()) return;
-  stream_.noteFouls(match_.referee().fouls());
-  if (cycles_ % MonitorStream::kCyclesPerMessage != 0) return;
-  const std::string message = stream_.next(match_.scene(), match_.game(), passWait());
+  const bool full = match_.trainer().takeFullStateRequest();
+  const bool due = cycles_ % MonitorStream::kCyclesPerMessage == 0;
   for (MonitorSession& session : monitors_) {
-    if (session.missed) {
-      if (session.connection->unsent() > 0) continue;
-      session.missed = false;
-      session.connection->send(stream_.full(match_.scene(), match_.game(), passWait()));
-    } else if (!session.connection->send(message)) {
-      session.missed = true;
+    if (full) session.stream.requestFull();
+    session.stream.noteFouls(match_.referee().fouls());
+    if (!due) continue;
+    // Who is passed over misses nothing but moments: his stream goes on from what he was sent.
+    if (session.connection->unsent() > kMonitorBacklog) {
       if (!session.told_slow) log_("monitor does not read, messages are dropped");
       session.told_slow = true;
+      continue;
     }
+    session.connection->send(session.stream.next(match_.scene(), match_.game(), passWait()));
   }
 }
 

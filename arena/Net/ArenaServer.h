@@ -77,8 +77,8 @@ class ArenaServer {
   };
   struct MonitorSession {
     std::shared_ptr<FramedConnection> connection;
-    bool told_slow = false;  // that has been logged
-    bool missed = false;     // has lost messages by not reading: the next one must be a full one
+    MonitorStream stream;
+    bool told_slow = false;  // that it loses messages by not reading has been logged
   };
 
   Tcp::acceptor open(unsigned short port);
@@ -111,7 +111,6 @@ class ArenaServer {
   boost::asio::signal_set signals_;
   std::list<AgentSession> agents_;
   std::list<MonitorSession> monitors_;
-  MonitorStream stream_;
   Observer observer_;
   CycleReport report_;
   long cycles_ = 0;

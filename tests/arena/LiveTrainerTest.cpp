@@ -22,7 +22,9 @@ using asio::ip::tcp;
 // One connection that sends and receives frames.
 class Client {
  public:
-  Client(asio::io_context& io, unsigned short port) : socket_(io) {
+  // `buffer`: bytes that the system keeps for it until it reads; 0: as many as usual.
+  Client(asio::io_context& io, unsigned short port, int buffer = 0) : socket_(io, tcp::v4()) {
+    if (buffer > 0) socket_.set_option(asio::socket_base::receive_buffer_size(buffer));
     socket_.connect({asio::ip::make_address("127.0.0.1"), port});
     socket_.set_option(tcp::no_delay(true));
   }
@@ -197,6 +199,69 @@ TEST_F(LiveTrainerTest, FullStateIsSentOnRequest) {
   ASSERT_TRUE(shows(monitor, [&] { return !viewer.lastWasFull(); }));
   monitor.send("(reqfullstate)");
   EXPECT_TRUE(shows(monitor, [&] { return viewer.lastWasFull(); }));
+}
+
+// The newest moment and picture count, whatever a viewer has missed.
+TEST_F(LiveTrainerTest, AViewerWhoDoesNotReadForAWhileIsRightAfterwards) {
+  for (const int number : {2, 3, 4, 5}) addPlayer("Alpha", number);
+  Client trainer(io, server.monitorPort());
+  Client lazy(io, server.monitorPort(), 4096);
+  trainer.send("(playMode PlayOn)(score (left 0)(right 1))");
+  ASSERT_TRUE(hears("(sr 1)"));
+  // Full messages fill what lies between it and the server.
+  for (int i = 0; i < 1000; ++i) {
+    trainer.send("(reqfullstate)");
+    cycles(2);
+    while (trainer.hasData()) trainer.receive();
+  }
+  // None of this can have reached it.
+  trainer.send("(playMode GameOver)(score (left 4)(right 2))(ball (pos 3 -4 0.042)(vel 0 0 0))");
+  trainer.send("(kill (unum 3)(team Left))(agent (unum 5)(team Left)(move -7 6 0.4 0))");
+  ASSERT_TRUE(hears("(sl 4) (sr 2)"));
+  cycles(100);
+  double gap = 0;
+  std::string lastTime;
+  ASSERT_TRUE(shows(lazy, [&] {
+    if (!lastTime.empty()) gap = std::max(gap, viewer.number("time") - std::stod(lastTime));
+    lastTime = viewer.term("time");
+    return viewer.playMode() == "GameOver" && !viewer.lastWasFull();
+  }));
+  EXPECT_GT(gap, 1.0) << "nothing was missed";
+  EXPECT_EQ(viewer.term("score_left"), "4");
+  EXPECT_EQ(viewer.term("score_right"), "2");
+  EXPECT_FALSE(viewer.robot(true, 3));
+  EXPECT_NEAR(viewer.ball()->pose(0, 3), 3, 0.006);
+  EXPECT_NEAR(viewer.ball()->pose(1, 3), -4, 0.006);
+  ViewerReader prompt;
+  Client fresh(io, server.monitorPort());
+  prompt.read(fresh.receive());
+  for (const int number : {2, 4, 5})
+    EXPECT_LT(
+        (viewer.robot(true, number)->pose - prompt.robot(true, number)->pose).cwiseAbs().maxCoeff(),
+        0.0051)
+        << number;
+}
+
+// Each of the two has its own past, so what is news for the one is none for the other.
+TEST_F(LiveTrainerTest, AViewerWhoConnectsInMidMatchIsSentWhatIsNewForHim) {
+  addPlayer("Alpha", 3);
+  Client early(io, server.monitorPort());
+  early.send("(playMode PlayOn)(ball (pos -9 5 0.042)(vel 0.3 0.2 0))");
+  ASSERT_TRUE(shows(early, [&] { return viewer.playMode() == "PlayOn"; }));
+  for (int i = 0; i < 8; ++i) {
+    cycles(7);
+    Client late(io, server.monitorPort());
+    ViewerReader lateViewer;
+    lateViewer.read(late.receive());
+    EXPECT_TRUE(lateViewer.lastWasFull());
+    for (int message = 0; message < 10; ++message) {
+      cycles(2);
+      lateViewer.read(late.receive());
+      EXPECT_FALSE(lateViewer.lastWasFull());
+    }
+    while (viewer.number("time") < lateViewer.number("time")) viewer.read(early.receive());
+    EXPECT_LT((viewer.ball()->pose - lateViewer.ball()->pose).cwiseAbs().maxCoeff(), 0.0101);
+  }
 }
 
 TEST_F(LiveTrainerTest, FoulsReachTheViewer) {

@@ -256,19 +256,42 @@ TEST_F(MonitorStreamTest, NewRobotsTeamsAndRequestsGiveFullMessages) {
   EXPECT_FALSE(reader.lastWasFull());
 }
 
-TEST_F(MonitorStreamTest, AViewerWhoConnectsCanGoOnWithTheStream) {
+TEST_F(MonitorStreamTest, AViewerWhoIsPassedOverIsToldLaterWhatHasChanged) {
   next();
-  scene.ball.translation().x() = 2;
+  // What happens to the others' streams meanwhile does not count.
+  MonitorStream others;
+  others.next(scene, game, wait);
+  scene.ball.translation().x() += 0.1;
+  game.mode = PlayMode::PlayOn;
+  others.next(scene, game, wait);
+  others.next(scene, game, wait);
   next();
-  ViewerReader late;
-  late.read(stream.full(scene, game, wait));
-  EXPECT_TRUE(late.lastWasFull());
-  EXPECT_NEAR(late.ball()->pose(0, 3), 2, 1e-5);
-  scene.ball.translation().x() = 3;
-  const std::string message = next();
   EXPECT_FALSE(reader.lastWasFull());
-  late.read(message);
-  EXPECT_NEAR(late.ball()->pose(0, 3), 3, 1e-5);
+  EXPECT_NEAR(reader.ball()->pose(0, 3), 1.1, 1e-5);
+  EXPECT_EQ(reader.playMode(), "PlayOn");
+}
+
+TEST_F(MonitorStreamTest, AViewerIsNeverWrongByMoreThanFiveThousandths) {
+  // A viewer who connects between two messages of the others, while the ball is away for a moment.
+  next();
+  scene.ball.translation().x() += 0.5;
+  MonitorStream late;
+  ViewerReader lateReader;
+  lateReader.read(late.next(scene, game, wait));
+  EXPECT_TRUE(lateReader.lastWasFull());
+  scene.ball.translation().x() -= 0.5;
+  next();
+  EXPECT_EQ(reader.transforms(), 0);
+  lateReader.read(late.next(scene, game, wait));
+  EXPECT_FALSE(lateReader.lastWasFull());
+  EXPECT_NEAR(lateReader.ball()->pose(0, 3), 1, 1e-5);
+}
+
+TEST_F(MonitorStreamTest, WholeNumbersAreWrittenInFull) {
+  game.score = {1234567, 20000000};
+  next();
+  EXPECT_EQ(reader.term("score_left"), "1234567");
+  EXPECT_EQ(reader.term("score_right"), "20000000");
 }
 
 TEST(AppendNumberTest, WritesUpToSixSignificantDigits) {

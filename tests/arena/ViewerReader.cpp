@@ -47,6 +47,11 @@ Eigen::Matrix4d transformOf(Item slt) {
   return matrix;
 }
 
+// Terms that partial messages carry when they are new.
+const std::set<std::string> kSentOnChange = {"team_left",  "team_right",  "half",
+                                             "score_left", "score_right", "play_mode"};
+const std::set<std::string> kWholeNumbers = {"half", "score_left", "score_right", "play_mode"};
+
 const std::set<std::string> kPrimitives = {"StdUnitBox", "StdUnitSphere", "StdUnitCylinder",
                                            "StdCapsule"};
 
@@ -111,7 +116,11 @@ void partialNode(Item item, Node& node, int& transforms) {
   std::size_t at = 1;
   if (node.kind == "TRF") {
     if (is(item.child(at), "SLT")) {
-      node.transform = transformOf(item.child(at++));
+      const Eigen::Matrix4d fresh = transformOf(item.child(at++));
+      // Up to 0.005, seen through six digits.
+      demand((fresh - node.transform).cwiseAbs().maxCoeff() > 0.0049,
+             "transform sent again although it has hardly changed");
+      node.transform = fresh;
       ++transforms;
     }
     demand(item.size() - at == node.children.size(), "transform with another number of children");
@@ -159,6 +168,11 @@ void ViewerReader::read(std::string_view message) {
     demand(last_[name] == 1, "term " + name + " twice");
     std::vector<std::string> values;
     for (std::size_t i = 1; i < term.size(); ++i) values.emplace_back(term.child(i).text());
+    const bool needed = head.name() == "RSG" || kSentOnChange.count(name) == 0 ||
+                        terms_.count(name) == 0 || terms_[name] != values;
+    demand(needed, "term " + name + " sent again although it has not changed");
+    if (kWholeNumbers.count(name) > 0)
+      demand(std::to_string(term.child(1).integer()) == values[0], "no whole number: " + values[0]);
     terms_[name] = values;
     demand(name != "play_mode" || terms_.count("play_modes") == 1, "play_mode before play_modes");
   }

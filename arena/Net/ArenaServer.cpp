@@ -121,10 +121,7 @@ void ArenaServer::onAgentEvent(AgentSession& session) {
 void ArenaServer::onMonitorEvent(MonitorSession& session) {
   FramedConnection& connection = *session.connection;
   while (connection.waiting() > 0) {
-    const std::string frame = connection.take();
-    // While the clock stands no cycle comes that would carry the end out.
-    if (!clockRuns() && frame.find("(killsim") != std::string::npos) stopping_ = true;
-    match_.trainer().receive(frame);
+    match_.trainer().receive(connection.take());
   }
 }
 
@@ -171,14 +168,21 @@ bool ArenaServer::everybodyReady() {
   return ready;
 }
 
+// Waits a while for something to happen.
+void ArenaServer::listen() {
+  io_.run_one_for(kPatience);
+  // While the clock stands no cycle comes that would carry the end out.
+  if (!clockRuns() && match_.trainer().stopReceived()) stopping_ = true;
+}
+
 void ArenaServer::waitForAgents() {
   io_.poll();
-  while (!stopping_ && !(clockRuns() && everybodyReady())) io_.run_one_for(kPatience);
+  while (!stopping_ && !(clockRuns() && everybodyReady())) listen();
 }
 
 void ArenaServer::waitForTick() {
   io_.poll();
-  while (!stopping_ && !clockRuns()) io_.run_one_for(kPatience);
+  while (!stopping_ && !clockRuns()) listen();
   while (!stopping_ && io_.run_one_until(last_tick_ + kTick) > 0) {
   }
   last_tick_ = std::max(Clock::now(), last_tick_ + kTick);

@@ -91,6 +91,7 @@ class ArenaServer {
   bool frameDue(const AgentSession& session) const;
   bool answered(const AgentSession& session) const;
   bool everybodyReady();
+  void listen();
   void waitForAgents();
   void waitForTick();
 

@@ -11,6 +11,8 @@ namespace {
 
 using Node = SExpression::Node;
 
+constexpr std::string_view kStop = "killsim";
+
 // Where a robot is put beside the pitch on command: the torso's height, m.
 constexpr double kRepositionHeight = 1.0;
 
@@ -20,12 +22,13 @@ std::optional<Side> sideByName(std::string_view name) {
   return std::nullopt;
 }
 
-// The number at a position of a list; none if it is absent or out of bounds.
-std::optional<double> numberAt(Node list, std::size_t position) {
+// The number at a position of a list; none if there is no atom or it is out of bounds.
+std::optional<double> numberAt(Node list, std::size_t position,
+                               double limit = Trainer::kMaxNumber) {
   const Node node = list.child(position);
   if (!node || node.isList()) return std::nullopt;
   const double value = node.number();
-  if (!(std::abs(value) <= Trainer::kMaxNumber)) return std::nullopt;
+  if (!(std::abs(value) <= limit)) return std::nullopt;
   return value;
 }
 
@@ -52,10 +55,13 @@ const Trainer::Entry Trainer::kCommands[] = {
     {"time", &Trainer::time},
     {"score", &Trainer::score},
     {"reqfullstate", &Trainer::requestFullState},
-    {"killsim", &Trainer::stop},
+    {kStop, &Trainer::stop},
 };
 
 bool Trainer::receive(std::string_view frame) {
+  expression_.read(frame);
+  for (const Node command : expression_)
+    if (command.name() == kStop) stopReceived_ = true;
   if (frames_.size() >= kMaxFrames || bytes_ + frame.size() > kMaxBytes) return false;
   frames_.emplace_back(frame);
   bytes_ += frame.size();
@@ -125,9 +131,9 @@ void Trainer::agent(Node command) {
       const auto yaw = numberAt(part, 4);
       if (place && yaw) world_.placeUpright(robot, *place, *yaw);
     } else if (part.name() == "battery") {
-      conditions_[robot].battery = numberAt(part, 1).value_or(0);
+      if (const auto value = numberAt(part, 1)) conditions_[robot].battery = *value;
     } else if (part.name() == "temperature") {
-      conditions_[robot].temperature = numberAt(part, 1).value_or(0);
+      if (const auto value = numberAt(part, 1)) conditions_[robot].temperature = *value;
     }
   }
 }
@@ -162,19 +168,18 @@ void Trainer::select(Node command) {
 }
 
 void Trainer::time(Node command) {
-  const Node value = command.child(1);
-  const double seconds = value ? value.number() : -1.0;
   // Beyond this a game time of single precision would no longer advance by a cycle.
   constexpr double kLongestGame = 100000.0;
-  if (seconds >= 0 && seconds <= kLongestGame) referee_.setTime(static_cast<float>(seconds));
+  const auto seconds = numberAt(command, 1, kLongestGame);
+  if (seconds && *seconds >= 0) referee_.setTime(static_cast<float>(*seconds));
 }
 
 void Trainer::score(Node command) {
   std::array<int, 2> score = referee_.game().score;
   const std::pair<Side, std::string_view> parts[] = {{Side::Left, "left"}, {Side::Right, "right"}};
   for (const auto& [side, name] : parts)
-    if (const Node part = command.find(name); part.size() > 1)
-      score[index(side)] = std::max(part.child(1).integer(), 0);
+    if (const Node goals = command.find(name).child(1); goals && goals.isAtom())
+      score[index(side)] = std::max(goals.integer(), 0);
   referee_.setScore(score[0], score[1]);
 }
 

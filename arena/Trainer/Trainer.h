@@ -35,7 +35,9 @@ class Trainer {
   // Applies what has arrived. REQUIRES: called at the start of a cycle, before the agents' actions.
   void apply();
 
-  // Whether the end of the server was asked for.
+  // Whether a frame that has arrived, applied or not, asks for the end of the server.
+  bool stopReceived() const { return stopReceived_; }
+  // Whether the end of the server was asked for in what has been applied.
   bool stopRequested() const { return stopRequested_; }
   // Whether a full monitor message was asked for since the last call.
   bool takeFullStateRequest();
@@ -82,6 +84,7 @@ class Trainer {
   RobotHandle selected_ = kNoRobot;
   PerRobot<Condition> conditions_;
   bool fullStateRequested_ = false;
+  bool stopReceived_ = false;
   bool stopRequested_ = false;
 };
 

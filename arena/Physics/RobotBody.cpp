@@ -17,7 +17,7 @@ constexpr double kStopErp = 0.8;
 constexpr double kStopCfm = 1e-8;
 constexpr double kStopBounce = 1.0;
 constexpr double kFudgeFactor = 1e-5;
-constexpr double kDrag = 0.01;  // N per m/s, and N·m per rad/s
+constexpr float kDrag = 0.01f;  // N per m/s, and N·m per rad/s
 
 Eigen::Vector3d vectorOf(const dReal* v) {
   return {v[0], v[1], v[2]};
@@ -34,6 +34,15 @@ Eigen::Matrix3d matrixOf(const dReal* r) {
 template <typename Derived>
 auto rounded(const Eigen::MatrixBase<Derived>& m) {
   return m.template cast<float>().template cast<double>().eval();
+}
+
+void setPose(dBodyID body, const Eigen::Isometry3f& pose) {
+  const auto& r = pose.linear();
+  const auto& p = pose.translation();
+  const dMatrix3 rotation{r(0, 0), r(0, 1), r(0, 2), 0.0,     r(1, 0), r(1, 1),
+                          r(1, 2), 0.0,     r(2, 0), r(2, 1), r(2, 2), 0.0};
+  dBodySetPosition(body, p.x(), p.y(), p.z());
+  dBodySetRotation(body, rotation);
 }
 
 dMass massOf(const BodySpec& spec) {
@@ -207,20 +216,16 @@ void RobotBody::moveTo(const Eigen::Vector3d& place) {
   stopAll();
 }
 
+// Computed in single precision, each part by way of the torso's frame, like the league's server:
+// on the far side of the pitch that moves parts against each other by half a micrometre.
 void RobotBody::placeUpright(const Eigen::Vector3d& place, double yaw) {
-  const Eigen::Isometry3d from = torsoPose();
-  Eigen::Isometry3d to = Eigen::Isometry3d::Identity();
-  to.linear() = Eigen::AngleAxisd(single(yaw), Eigen::Vector3d::UnitZ()).toRotationMatrix();
-  to.translation() = place;
-  const Eigen::Isometry3d change = to * from.inverse();
+  Eigen::Isometry3f to = Eigen::Isometry3f::Identity();
+  to.linear() = Eigen::AngleAxisf(static_cast<float>(yaw), Eigen::Vector3f::UnitZ()).matrix();
+  to.translation() = place.cast<float>();
+  const Eigen::Isometry3f torso_from_world = torsoPose().cast<float>().inverse();
   for (std::size_t i = 0; i < bodies_.size(); ++i) {
-    const Eigen::Isometry3d moved = i == 0 ? to : change * pose(static_cast<int>(i));
-    const Eigen::Matrix3d r = rounded(moved.linear());
-    const Eigen::Vector3d p = rounded(moved.translation());
-    const dMatrix3 rotation{r(0, 0), r(0, 1), r(0, 2), 0.0,     r(1, 0), r(1, 1),
-                            r(1, 2), 0.0,     r(2, 0), r(2, 1), r(2, 2), 0.0};
-    dBodySetPosition(bodies_[i], p.x(), p.y(), p.z());
-    dBodySetRotation(bodies_[i], rotation);
+    const Eigen::Isometry3f in_torso = torso_from_world * pose(static_cast<int>(i)).cast<float>();
+    setPose(bodies_[i], i == 0 ? to : to * in_torso);
   }
   stopAll();
 }
@@ -235,10 +240,10 @@ void RobotBody::sampleAccelerometer() {
 
 void RobotBody::applyDrag() {
   for (dBodyID body : bodies_) {
-    const dReal* v = dBodyGetLinearVel(body);
-    const dReal* w = dBodyGetAngularVel(body);
-    dBodyAddForce(body, single(-kDrag * v[0]), single(-kDrag * v[1]), single(-kDrag * v[2]));
-    dBodyAddTorque(body, single(-kDrag * w[0]), single(-kDrag * w[1]), single(-kDrag * w[2]));
+    const Eigen::Vector3f force = -kDrag * vectorOf(dBodyGetLinearVel(body)).cast<float>();
+    const Eigen::Vector3f torque = -kDrag * vectorOf(dBodyGetAngularVel(body)).cast<float>();
+    dBodyAddForce(body, force.x(), force.y(), force.z());
+    dBodyAddTorque(body, torque.x(), torque.y(), torque.z());
   }
 }
 

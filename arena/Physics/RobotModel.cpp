@@ -1,7 +1,6 @@
 #include "Physics/RobotModel.h"
 
 #include <cassert>
-#include <cmath>
 #include <numbers>
 #include <string_view>
 
@@ -27,6 +26,9 @@ struct TypeSpec {
 };
 
 constexpr double kHipZ = -0.115;
+// Both components of the hips' slanted axes. The engine makes their length 1; what it starts from
+// is the league's own number of four digits, down to the last bit.
+constexpr double kSlant = 0.7071;
 
 constexpr std::array<TypeSpec, kRobotTypeCount> kTypes{{
     {0.055, -0.04, -0.055, 0.07, kCommonMaxSpeed, kCommonMaxSpeed, 0.0},
@@ -126,9 +128,8 @@ class Builder {
   }
 
   void addLeg(double f) {
-    const double half = std::sqrt(0.5);
     const int hip1 = addBead(f, Body::RightHip1, 0, {f * spec_.hip_x, -0.01, kHipZ}, 0.09);
-    addJoint(f, "l", 1, hip1, {0.0, 0.0, 0.0}, {-half, 0.0, f * half}, -90.0, 1.0);
+    addJoint(f, "l", 1, hip1, {0.0, 0.0, 0.0}, {-kSlant, 0.0, f * kSlant}, -90.0, 1.0);
     const int hip2 = addBead(f, Body::RightHip2, hip1, {0.0, 0.0, 0.0}, 0.125);
     addMirroredJoint(f, "l", 2, hip2, {0.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, -45.0, 25.0);
     const int thigh = addBody(f, Body::RightThigh, hip2, {0.0, 0.01, spec_.thigh_z}, ShapeKind::Box,

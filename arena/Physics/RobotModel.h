@@ -39,7 +39,7 @@ struct JointSpec {
   int child;              //< index of the body that the hinge moves
   int parent;             //< index of the body that it hangs on
   Triple anchor;          //< relative to the torso centre, zero pose
-  Triple axis;            //< unit vector, zero pose
+  Triple axis;            //< direction, zero pose; of any length
   double low;             //< lower stop, radians
   double high;            //< upper stop, radians
   double max_speed;       //< radians per second

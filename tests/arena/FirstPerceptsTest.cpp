@@ -1,0 +1,63 @@
+// What the arena's robot senses from its building on, against what the league's one sensed: the
+// signs of its zeros too. They hang on the last bit of every place, mass, axis and force, on the
+// order in which parts and joints are built, and on nothing that anybody could have tuned.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Match/Match.h"
+#include "RecordingReader.h"
+
+namespace arena {
+namespace {
+
+// The terms of gyro, accelerometer and hinges, in their order.
+std::string bodyTermsOf(std::string_view percept) {
+  std::string terms;
+  for (std::size_t at = 0; at < percept.size(); ++at) {
+    const std::string_view rest = percept.substr(at);
+    if (!rest.starts_with("(GYR ") && !rest.starts_with("(ACC ") && !rest.starts_with("(HJ ")) {
+      continue;
+    }
+    terms += rest.substr(0, rest.find("))") + 2);
+  }
+  return terms;
+}
+
+struct Fall {
+  const char* recording;
+  std::size_t percepts;  // before the robot is placed
+};
+
+class FirstPercepts : public testing::TestWithParam<Fall> {};
+
+TEST_P(FirstPercepts, AreThoseOfTheLeaguesRobotToTheLastBit) {
+  const std::vector<std::string> recorded = readRecording(
+      std::string(QUOLNARIS_SOURCE_DIR "/tests/data/recordings/") + GetParam().recording);
+  Match match(MatchOptions{.noise = false});
+  const Match::AgentId agent = match.connect();
+  match.receive(agent, "(scene rsg/agent/nao/nao_hetero.rsg 0)");
+  match.step();
+  EXPECT_EQ(match.percept(agent), "");
+  for (std::size_t i = 0; i < GetParam().percepts; ++i) {
+    match.step();
+    EXPECT_EQ(bodyTermsOf(match.percept(agent)), bodyTermsOf(recorded[i])) << "percept " << i;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(League, FirstPercepts,
+                         testing::Values(Fall{"solo-c-left-9.frames.gz", 3},
+                                         Fall{"match-a-left-10.frames.gz", 2},
+                                         Fall{"match-b-right-10.frames.gz", 3}),
+                         [](const auto& fall) {
+                           std::string name = fall.param.recording;
+                           name = name.substr(0, name.find('.'));
+                           for (char& c : name) c = c == '-' ? '_' : c;
+                           return name;
+                         });
+
+}  // namespace
+}  // namespace arena

@@ -27,15 +27,15 @@ void printRow(const std::string& name, const char* part, const arena::TraceDiffe
 
 void printScene(const std::string& path) {
   const arena::Trace trace = arena::readTrace(path);
-  const arena::Nudge nudge = arena::nudgeOf(trace.name);
+  const double nudge = arena::nudgeOf(trace.name);
   const std::vector<arena::TraceRow> rows = arena::replayTrace(trace, nudge);
   const std::size_t fall = arena::firstFallContact(rows);
   if (fall < rows.size()) {
     printRow(trace.name, "until a fall's contact", arena::compareTrace(trace, rows, fall));
   }
   printRow(trace.name, "whole scene", arena::compareTrace(trace, rows, rows.size()));
-  if (nudge.x == 0.0 && nudge.y == 0.0) return;
-  const std::vector<arena::TraceRow> plain = arena::replayTrace(trace, {});
+  if (nudge == 0.0) return;
+  const std::vector<arena::TraceRow> plain = arena::replayTrace(trace, 0.0);
   printRow(trace.name, "whole scene, not nudged", arena::compareTrace(trace, plain, plain.size()));
 }
 

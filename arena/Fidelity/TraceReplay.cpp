@@ -19,11 +19,12 @@ constexpr int kStepsOfPlay = 5;
 constexpr int kStepsOfPlayWithSetup = 9;
 constexpr int kStepsAfterSetup = 3;
 
-// Found by searching for the smallest distance over the whole recording.
-constexpr std::array<std::pair<std::string_view, Nudge>, 3> kNudges{{
-    {"tread_type0", {-1.4561e-8, 0.0}},
-    {"tread_type3", {6.6215e-7, -3.6908e-6}},
-    {"tread_type4", {4.2155e-7, 2.2236e-6}},
+// Found by searching for the smallest distance over the whole recording. The recorded places end at
+// 10 micrometres.
+constexpr std::array<std::pair<std::string_view, double>, 3> kNudges{{
+    {"tread_type0", -1.3737549e-8},
+    {"tread_type3", 6.7358545e-7},
+    {"tread_type4", 4.2231128e-7},
 }};
 
 // As many digits as the recording has.
@@ -40,7 +41,7 @@ std::string numbers(const Eigen::Vector3d& v) {
 // The recorded agent in a match of its own.
 class Replay {
  public:
-  Replay(const Trace& trace, const Nudge& nudge)
+  Replay(const Trace& trace, double nudge)
       : trace_(trace), match_(MatchOptions{.noise = false}), agent_(match_.connect()) {
     match_.receive(agent_,
                    "(scene rsg/agent/nao/nao_hetero.rsg " + std::to_string(trace.type) + ")");
@@ -52,7 +53,7 @@ class Replay {
       match_.step();
     }
     steps(kSettleSteps);
-    apply(nudge);
+    pushTorso(nudge);
     setUp();
   }
 
@@ -71,11 +72,11 @@ class Replay {
     for (int i = 0; i < count; ++i) match_.step();
   }
 
-  void apply(const Nudge& nudge) {
+  // It faces along x.
+  void pushTorso(double forward) {
     RobotBody& robot = *match_.world().physics().robot(agent_);
     RobotBody::State state = robot.state();
-    state.bodies.front().position[0] += nudge.x;
-    state.bodies.front().position[1] += nudge.y;
+    state.bodies.front().position[0] += forward;
     robot.setState(state);
   }
 
@@ -195,13 +196,14 @@ Eigen::Vector3d forceOf(const std::optional<TraceRow::Foot>& foot) {
 
 }  // namespace
 
-Nudge nudgeOf(const std::string& name) {
-  const auto found = std::find_if(kNudges.begin(), kNudges.end(),
-                                  [&name](const auto& entry) { return entry.first == name; });
-  return found == kNudges.end() ? Nudge{} : found->second;
+double nudgeOf(const std::string& recording) {
+  const auto found = std::find_if(kNudges.begin(), kNudges.end(), [&recording](const auto& entry) {
+    return entry.first == recording;
+  });
+  return found == kNudges.end() ? 0.0 : found->second;
 }
 
-std::vector<TraceRow> replayTrace(const Trace& trace, const Nudge& nudge) {
+std::vector<TraceRow> replayTrace(const Trace& trace, double nudge) {
   return Replay(trace, nudge).run();
 }
 

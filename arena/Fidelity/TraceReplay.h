@@ -9,24 +9,16 @@
 
 namespace arena {
 
-// How long a robot fell, stood and was beamed before its recording begins is not recorded; it shows
-// in the last digits of its stance alone. Some of the recorded motions balance on an edge and blow
-// that up within seconds.
-//
-// Where the torso of the sleeping robot is put against its limbs before the first row, m, world
-// frame: less than the recorded digits, which end at 10 micrometres.
-struct Nudge {
-  double x = 0.0;
-  double y = 0.0;
-};
-
-// The nudge that lets the replay follow the recording of this name best; none for most.
-Nudge nudgeOf(const std::string& name);
+// How far the torso of the sleeping robot is put forward against its limbs before the first row, m;
+// 0 for most recordings. How long a robot fell, stood and was beamed before is not recorded and
+// shows in the last digits of its stance alone. Some motions balance on an edge and blow that up
+// within seconds; for them this is the one number that lets the replay follow best.
+double nudgeOf(const std::string& recording);
 
 // Plays a match of one agent that gives the answers of a recording, from the same start, and
 // returns what it senses: as many rows as the recording has, with the recording's times and
 // commands.
-std::vector<TraceRow> replayTrace(const Trace& trace, const Nudge& nudge);
+std::vector<TraceRow> replayTrace(const Trace& trace, double nudge);
 
 // How far a replay is from its recording. Root mean squares over the compared rows; of several
 // channels the worst one counts.

@@ -36,6 +36,14 @@ auto rounded(const Eigen::MatrixBase<Derived>& m) {
   return m.template cast<float>().template cast<double>().eval();
 }
 
+// a * b, the shift summed up from that of `a` on, column by column: the order shows in last bits.
+Eigen::Isometry3f chained(const Eigen::Isometry3f& a, const Eigen::Isometry3f& b) {
+  Eigen::Isometry3f result = a;
+  for (int k = 0; k < 3; ++k) result.translation() += a.linear().col(k) * b.translation()[k];
+  result.linear() = a.linear() * b.linear();
+  return result;
+}
+
 void setPose(dBodyID body, const Eigen::Isometry3f& pose) {
   const auto& r = pose.linear();
   const auto& p = pose.translation();
@@ -224,8 +232,8 @@ void RobotBody::placeUpright(const Eigen::Vector3d& place, double yaw) {
   to.translation() = place.cast<float>();
   const Eigen::Isometry3f torso_from_world = torsoPose().cast<float>().inverse();
   for (std::size_t i = 0; i < bodies_.size(); ++i) {
-    const Eigen::Isometry3f in_torso = torso_from_world * pose(static_cast<int>(i)).cast<float>();
-    setPose(bodies_[i], i == 0 ? to : to * in_torso);
+    const Eigen::Isometry3f body = pose(static_cast<int>(i)).cast<float>();
+    setPose(bodies_[i], i == 0 ? to : chained(to, chained(torso_from_world, body)));
   }
   stopAll();
 }

@@ -39,10 +39,6 @@ bool isSane(const Eigen::Vector3d& place) {
   return place.allFinite() && place.cwiseAbs().maxCoeff() < kFarAway;
 }
 
-bool isSane(const Eigen::Isometry3d& pose) {
-  return isSane(Eigen::Vector3d(pose.translation())) && pose.linear().allFinite();
-}
-
 Eigen::Vector3d vectorOf(const dReal* v) {
   return {v[0], v[1], v[2]};
 }
@@ -236,7 +232,7 @@ void PhysicsWorld::rescueTheLost() {
   std::vector<std::pair<RobotHandle, int>> lost;
   for (const auto& robot : robots_) {
     for (std::size_t i = 0; i < robot->model().bodies.size(); ++i) {
-      if (isSane(robot->pose(static_cast<int>(i)))) continue;
+      if (isSane(robot->pose(static_cast<int>(i)).translation())) continue;
       lost.emplace_back(robot->handle(), robot->model().type);
       break;
     }

@@ -379,18 +379,6 @@ TEST_F(World, BuildsARobotAnewWhoseNumbersRanAway) {
 
 // ------------------------------------------------------------------------------------------ ball
 
-TEST_F(World, BuildsARobotAnewWhoseTurningIsNoNumber) {
-  RobotBody& robot = world.addRobot(1, 0);
-  RobotBody::State state = robot.state();
-  state.bodies.back().spin = {0.0, std::nan(""), 0.0};
-  robot.setState(state);
-  step(2);
-  ASSERT_NE(world.robot(1), nullptr);
-  for (std::size_t i = 0; i < robotModel(0).bodies.size(); ++i) {
-    EXPECT_TRUE(world.robot(1)->pose(static_cast<int>(i)).matrix().allFinite()) << "body " << i;
-  }
-}
-
 TEST_F(World, RestsTheBallALittleInTheGround) {
   step(100);
   EXPECT_NEAR(world.ballPosition().z(), 0.0403, 5e-5);

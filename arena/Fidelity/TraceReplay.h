@@ -10,9 +10,8 @@
 namespace arena {
 
 // How far the torso of the sleeping robot is put forward against its limbs before the first row, m;
-// 0 for most recordings. How long a robot fell, stood and was beamed before is not recorded and
-// shows in the last digits of its stance alone. Some motions balance on an edge and blow that up
-// within seconds; for them this is the one number that lets the replay follow best.
+// 0 for most recordings. Some motions balance on an edge and blow the unrecorded digits of the
+// stance up within seconds; for them this is the one number that lets the replay follow best.
 double nudgeOf(const std::string& recording);
 
 // Plays a match of one agent that gives the answers of a recording, from the same start, and

@@ -108,8 +108,7 @@ class Match {
     bool connected = true;
     std::optional<int> scene;  // robot type asked for
     bool built = false;
-    bool sensing =
-        false;  // percepts are made and effectors work, from the cycle after the building
+    bool sensing = false;  // from the cycle after the building: percepts are made, effectors work
     std::optional<Init> init;
     std::optional<Beam> beam;
     bool pass = false;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <string>
 
@@ -70,6 +71,27 @@ INSTANTIATE_TEST_SUITE_P(
                     Scene{"tread_type1", kUntilFall}, Scene{"tread_type3", kUntilFall},
                     Scene{"tread_type4", kUntilFall}),
     [](const auto& scene) { return std::string(scene.param.name); });
+
+// The treads whose start is estimated from themselves: without that they are followed for as long
+// as the unrecorded digits allow, and the estimate stays far below the recorded ones of 10
+// micrometres.
+class Balance : public testing::TestWithParam<Scene> {};
+
+TEST_P(Balance, IsKeptForSecondsWithoutANudge) {
+  const Trace trace = readTrace(std::string(QUOLNARIS_SOURCE_DIR "/tests/data/traces/") +
+                                GetParam().name + ".csv.gz");
+  EXPECT_TRUE(withinTolerance(compareTrace(trace, replayTrace(trace, 0.0), GetParam().rows)));
+}
+
+TEST_P(Balance, IsNudgedByLessThanTheRecordingTells) {
+  EXPECT_NE(nudgeOf(GetParam().name), 0.0);
+  EXPECT_LT(std::abs(nudgeOf(GetParam().name)), 0.5e-6);
+}
+
+INSTANTIATE_TEST_SUITE_P(League, Balance,
+                         testing::Values(Scene{"tread_type0", 180}, Scene{"tread_type3", 140},
+                                         Scene{"tread_type4", 180}),
+                         [](const auto& scene) { return std::string(scene.param.name); });
 
 }  // namespace
 }  // namespace arena

@@ -24,14 +24,14 @@ class ProgressLine {
     const double wall = std::chrono::duration<double>(now - last_).count();
     if (wall < 1.0) return;
     const arena::GameState& game = match.game();
-    const double speed = first_ ? 0.0 : (match.time() - last_time_) / wall;
+    const double speed = first_ ? 0.0 : (match.time() - lastTime_) / wall;
     std::fprintf(stderr, "\r%8.2f s  %d:%d  %-22s %6.1f x real time ", game.time, game.score[0],
                  game.score[1], std::string(nameOf(game.mode)).c_str(), speed);
     std::fflush(stderr);
     shown_ = true;
     first_ = false;
     last_ = now;
-    last_time_ = match.time();
+    lastTime_ = match.time();
   }
 
   // A line of its own, without damage to the progress line.
@@ -52,21 +52,21 @@ class ProgressLine {
   bool shown_ = false;
   bool first_ = true;
   Clock::time_point last_ = Clock::now();
-  double last_time_ = 0.0;
+  double lastTime_ = 0.0;
 };
 
 // Writes down what happens, as far as it is wanted.
 class Chronicle {
  public:
   // Empty names: nothing is written. Throws std::runtime_error if the recording cannot be made.
-  Chronicle(const std::string& recording, const std::string& report) : report_file_(report) {
+  Chronicle(const std::string& recording, const std::string& report) : reportFile_(report) {
     if (!recording.empty()) writer_.emplace(recording);
   }
 
   void cycle(const arena::Match& match, const arena::ArenaServer::CycleReport& cycle) {
     const arena::Referee& referee = match.referee();
     if (writer_) writer_->write(match.scene(), match.game(), referee.goals(), referee.fouls());
-    if (report_file_.empty()) return;
+    if (reportFile_.empty()) return;
     report_.observe(match.scene(), match.game(), referee.goals(), referee.fouls(),
                     referee.lastTouch());
     for (const arena::SceneRobot& robot : match.scene().robots) {
@@ -83,22 +83,22 @@ class Chronicle {
   // Throws std::runtime_error if something could not be written.
   void finish() {
     if (writer_ && !writer_->close()) throw std::runtime_error("the recording is incomplete");
-    if (!report_file_.empty() && !report_.write(report_file_))
-      throw std::runtime_error("cannot write the report " + report_file_);
+    if (!reportFile_.empty() && !report_.write(reportFile_))
+      throw std::runtime_error("cannot write the report " + reportFile_);
   }
 
  private:
   std::optional<arena::RecordingWriter> writer_;
   arena::MatchReport report_;
-  std::string report_file_;
+  std::string reportFile_;
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  arena::MatchOptions match_options;
-  arena::ServerOptions server_options;
-  bool no_noise = false;
+  arena::MatchOptions matchOptions;
+  arena::ServerOptions serverOptions;
+  bool noNoise = false;
   bool quiet = false;
   std::string recording;
   std::string report;
@@ -106,39 +106,39 @@ int main(int argc, char** argv) {
   CLI::App app{
       "A practice pitch for robot soccer players, on simulated physics. Speaks the protocol of the "
       "league's simulation server: agents connect at one port, trainers and monitors at another."};
-  app.add_option("--agent-port", server_options.agent_port, "TCP port for agents; 0: any free one")
+  app.add_option("--agent-port", serverOptions.agentPort, "TCP port for agents; 0: any free one")
       ->capture_default_str();
-  app.add_option("--monitor-port", server_options.monitor_port,
+  app.add_option("--monitor-port", serverOptions.monitorPort,
                  "TCP port for trainers and monitors; 0: any free one")
       ->capture_default_str();
-  app.add_option("--bind", server_options.bind, "address to listen at")->capture_default_str();
-  app.add_flag("--real-time", server_options.real_time,
+  app.add_option("--bind", serverOptions.bind, "address to listen at")->capture_default_str();
+  app.add_flag("--real-time", serverOptions.realTime,
                "50 cycles a second by the wall clock; default: lockstep, each cycle as soon as all "
                "agents have answered");
-  app.add_option("--agent-timeout", server_options.agent_timeout,
+  app.add_option("--agent-timeout", serverOptions.agentTimeout,
                  "lockstep: seconds of silence after which an agent is no longer waited for")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
-  app.add_option("--seed", match_options.seed, "seed of all random numbers")->capture_default_str();
-  app.add_option("--duration", server_options.duration,
+  app.add_option("--seed", matchOptions.seed, "seed of all random numbers")->capture_default_str();
+  app.add_option("--duration", serverOptions.duration,
                  "end after so many seconds of game time; 0: never")
       ->capture_default_str()
       ->check(CLI::NonNegativeNumber);
-  app.add_option("--half-time", match_options.half_time, "seconds of game time in one half")
+  app.add_option("--half-time", matchOptions.halfTime, "seconds of game time in one half")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
-  app.add_flag("--auto-kick-off", match_options.auto_kick_off,
+  app.add_flag("--auto-kick-off", matchOptions.autoKickOff,
                "kick off without a trainer after a while");
-  app.add_flag("--coin-toss", match_options.coin_toss,
+  app.add_flag("--coin-toss", matchOptions.coinToss,
                "draw who kicks off first unless a trainer names a side; default: left");
-  app.add_flag("--change-sides", match_options.change_sides,
+  app.add_flag("--change-sides", matchOptions.changeSides,
                "the teams change sides at half time, with their scores; agents are not told");
-  app.add_option("--wait-agents", server_options.wait_agents,
+  app.add_option("--wait-agents", serverOptions.waitAgents,
                  "hold the first cycle until so many agents have loaded their scene")
       ->capture_default_str()
       ->check(CLI::NonNegativeNumber);
-  app.add_flag("--no-noise", no_noise, "exact vision, camera position and beams");
-  app.add_flag("--ground-truth", match_options.ground_truth,
+  app.add_flag("--no-noise", noNoise, "exact vision, camera position and beams");
+  app.add_flag("--ground-truth", matchOptions.groundTruth,
                "add the terms mypos, myorien and ballpos to what agents see");
   app.add_option("--record", recording, "write every cycle to this file, for match-picture");
   app.add_option("--report", report,
@@ -149,13 +149,13 @@ int main(int argc, char** argv) {
   try {
     ProgressLine progress(quiet);
     const auto log = [&progress](const std::string& text) { progress.log(text); };
-    match_options.noise = !no_noise;
-    match_options.real_time = server_options.real_time;
-    match_options.log = log;
-    server_options.handle_signals = true;
+    matchOptions.noise = !noNoise;
+    matchOptions.realTime = serverOptions.realTime;
+    matchOptions.log = log;
+    serverOptions.handleSignals = true;
     Chronicle chronicle(recording, report);
-    arena::Match match(match_options);
-    arena::ArenaServer server(match, server_options, log);
+    arena::Match match(matchOptions);
+    arena::ArenaServer server(match, serverOptions, log);
     log("agents at port " + std::to_string(server.agentPort()) + ", monitors at port " +
         std::to_string(server.monitorPort()));
     server.setObserver([&](const arena::ArenaServer::CycleReport& cycle) {

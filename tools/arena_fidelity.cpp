@@ -22,7 +22,7 @@ void printHead() {
 void printRow(const std::string& name, const char* part, const arena::TraceDifference& d) {
   std::printf("| %s | %s | %zu | %.4f | %.3f | %.3f | %.2f | %.2f | %.3f | %s |\n", name.c_str(),
               part, d.rows, d.angle, d.torso * 1000.0, d.gyro, d.accelerometer * 100.0,
-              d.foot_force * 100.0, d.ball * 100.0, arena::withinTolerance(d) ? "yes" : "no");
+              d.footForce * 100.0, d.ball * 100.0, arena::withinTolerance(d) ? "yes" : "no");
 }
 
 void printScene(const std::string& path) {

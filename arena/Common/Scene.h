@@ -5,12 +5,10 @@
 #include <array>
 #include <vector>
 
-#include "Common/Body.h"
+#include "Common/Robots.h"
 #include "Common/Side.h"
 
 namespace arena {
-
-inline constexpr std::size_t kMaxJoints = 24;
 
 // One robot as it is shown: the poses after a physics step, before the referee moves anything.
 struct SceneRobot {
@@ -27,13 +25,6 @@ struct SceneRobot {
   const Eigen::Isometry3d& pose(Body body) const { return bodies[static_cast<std::size_t>(body)]; }
   Eigen::Isometry3d& pose(Body body) { return bodies[static_cast<std::size_t>(body)]; }
 };
-
-inline constexpr std::size_t jointCount(int type) {
-  return type == 4 ? 24 : 22;
-}
-inline constexpr bool hasBody(int type, Body body) {
-  return type == 4 || (body != Body::RightToe && body != Body::LeftToe);
-}
 
 // What monitors and recordings show of one cycle.
 struct Scene {

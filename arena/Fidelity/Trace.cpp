@@ -142,10 +142,10 @@ Trace readTrace(const std::string& path) {
   const auto type = robotType(head);
   if (lines.size() < 3 || !type) throw std::runtime_error(path + " is not a recording");
   trace.type = *type;
-  const bool of_robot = head.find("(agent") != std::string_view::npos;
+  const bool ofRobot = head.find("(agent") != std::string_view::npos;
   const auto position = vectorAfter(head, "pos");
-  (of_robot ? trace.setup.robot_position : trace.setup.ball_position) = position;
-  trace.setup.ball_velocity = vectorAfter(head, "vel");
+  (ofRobot ? trace.setup.robotPosition : trace.setup.ballPosition) = position;
+  trace.setup.ballVelocity = vectorAfter(head, "vel");
 
   std::map<std::string, std::size_t, std::less<>> columns;
   for (const std::string_view& name : split(lines[1], ',')) {

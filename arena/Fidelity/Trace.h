@@ -33,9 +33,9 @@ struct TraceRow {
 
 // What a trainer did a moment before the first row.
 struct TraceSetup {
-  std::optional<Eigen::Vector3d> ball_position;
-  std::optional<Eigen::Vector3d> ball_velocity;
-  std::optional<Eigen::Vector3d> robot_position;  // moved while asleep; else it stands at (-3, 0)
+  std::optional<Eigen::Vector3d> ballPosition;
+  std::optional<Eigen::Vector3d> ballVelocity;
+  std::optional<Eigen::Vector3d> robotPosition;  // moved while asleep; else it stands at (-3, 0)
 };
 
 struct Trace {

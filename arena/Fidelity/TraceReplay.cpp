@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <numbers>
 
+#include "Common/Units.h"
 #include "Match/Match.h"
 
 namespace arena {
 namespace {
 
-constexpr double kDegree = std::numbers::pi / 180.0;
 constexpr int kStepsBeforeInit = 4;
 constexpr int kSettleSteps = 150;
 // Steps from the start of play to the first row, and from the trainer's other commands.
@@ -21,7 +20,7 @@ constexpr int kStepsAfterSetup = 3;
 // How long the recorded robot stood at its start place and how often it was then beamed is not
 // recorded. Its stance tells, in micrometres with long legs or toes.
 struct Arrival {
-  int steps_at_start;
+  int stepsAtStart;
   int beams;
 };
 constexpr std::array<Arrival, kRobotTypeCount> kArrivals{{{2, 1}, {4, 3}, {2, 3}, {5, 4}, {5, 7}}};
@@ -54,7 +53,7 @@ class Replay {
                    "(scene rsg/agent/nao/nao_hetero.rsg " + std::to_string(trace.type) + ")");
     steps(kStepsBeforeInit);
     match_.receive(agent_, "(init (unum 1)(teamname Recorded))");
-    steps(arrival.steps_at_start);
+    steps(arrival.stepsAtStart);
     for (int i = 0; i < arrival.beams; ++i) {
       match_.receive(agent_, "(beam -3 0 0)");
       match_.step();
@@ -91,12 +90,12 @@ class Replay {
     match_.trainer().receive("(playMode PlayOn)");
     const TraceSetup& setup = trace_.setup;
     std::string command;
-    if (setup.ball_position) {
-      command = "(ball (pos " + numbers(*setup.ball_position) + ")";
-      if (setup.ball_velocity) command += "(vel " + numbers(*setup.ball_velocity) + ")";
+    if (setup.ballPosition) {
+      command = "(ball (pos " + numbers(*setup.ballPosition) + ")";
+      if (setup.ballVelocity) command += "(vel " + numbers(*setup.ballVelocity) + ")";
       command += ")";
-    } else if (setup.robot_position) {
-      command = "(agent (unum 1)(team Left)(pos " + numbers(*setup.robot_position) + "))";
+    } else if (setup.robotPosition) {
+      command = "(agent (unum 1)(team Left)(pos " + numbers(*setup.robotPosition) + "))";
     } else {
       steps(kStepsOfPlay);
       return;
@@ -122,7 +121,7 @@ class Replay {
     row.time = recorded.time;
     row.command = recorded.command;
     for (std::size_t i = 0; i < robot.model().joints.size(); ++i) {
-      row.angle.push_back(robot.jointAngle(static_cast<int>(i)) / kDegree);
+      row.angle.push_back(robot.jointAngle(static_cast<int>(i)) / kRadiansPerDegree);
     }
     row.gyro = robot.gyro();
     row.accelerometer = robot.accelerometer();
@@ -222,7 +221,7 @@ std::size_t firstFallContact(const std::vector<TraceRow>& rows) {
 
 bool withinTolerance(const TraceDifference& d) {
   return d.angle <= 0.1 && d.torso <= 0.002 && d.gyro <= 2.0 && d.accelerometer <= 0.05 &&
-         d.foot_force <= 0.05 && d.ball <= 0.01;
+         d.footForce <= 0.05 && d.ball <= 0.01;
 }
 
 TraceDifference compareTrace(const Trace& recorded, const std::vector<TraceRow>& replayed,
@@ -234,8 +233,8 @@ TraceDifference compareTrace(const Trace& recorded, const std::vector<TraceRow>&
   std::array<Channel, 6> force;
   Channel torso;
   double travelled = 0.0;
-  double ball_error = 0.0;
-  std::optional<Eigen::Vector3d> last_ball;
+  double ballError = 0.0;
+  std::optional<Eigen::Vector3d> lastBall;
   for (std::size_t k = 0; k < end; ++k) {
     const TraceRow& a = recorded.rows[k];
     const TraceRow& b = replayed[k];
@@ -251,24 +250,24 @@ TraceDifference compareTrace(const Trace& recorded, const std::vector<TraceRow>&
     }
     if (!a.truth || !b.truth) continue;
     torso.add(0.0, (a.truth->torso.translation() - b.truth->torso.translation()).norm());
-    ball_error = std::max(ball_error, (a.truth->ball - b.truth->ball).norm());
-    if (last_ball) travelled += (a.truth->ball - *last_ball).norm();
-    last_ball = a.truth->ball;
+    ballError = std::max(ballError, (a.truth->ball - b.truth->ball).norm());
+    if (lastBall) travelled += (a.truth->ball - *lastBall).norm();
+    lastBall = a.truth->ball;
   }
 
   TraceDifference result;
   result.rows = end;
   for (const Channel& channel : angles) {
     result.angle = std::max(result.angle, channel.rms());
-    result.angle_max = std::max(result.angle_max, channel.max());
+    result.angleMax = std::max(result.angleMax, channel.max());
   }
   result.torso = torso.rms();
-  result.torso_max = torso.max();
+  result.torsoMax = torso.max();
   result.gyro = worstRms(gyro);
   result.accelerometer = worstRms(accelerometer) / rangeOf(accelerometer, 9.81);
-  result.foot_force = worstRms(force) / rangeOf(force, 22.6);
+  result.footForce = worstRms(force) / rangeOf(force, 22.6);
   // A ball that only settles on the ground travels a millimetre.
-  if (travelled > 0.01) result.ball = ball_error / travelled;
+  if (travelled > 0.01) result.ball = ballError / travelled;
   return result;
 }
 

@@ -27,10 +27,10 @@ struct TraceDifference {
   double torso = 0.0;          // m, distance
   double gyro = 0.0;           // degrees/s, worst axis
   double accelerometer = 0.0;  // part of the recording's range, worst axis
-  double foot_force = 0.0;     // part of the recording's range, worst foot and axis
+  double footForce = 0.0;      // part of the recording's range, worst foot and axis
   double ball = 0.0;           // largest distance by the distance travelled; 0 for a ball at rest
-  double angle_max = 0.0;      // degrees, largest single difference
-  double torso_max = 0.0;      // m
+  double angleMax = 0.0;       // degrees, largest single difference
+  double torsoMax = 0.0;       // m
 };
 
 // The first row in which a part other than the feet is at the ground; the number of rows if none

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "Common/Pitch.h"
+#include "Common/Units.h"
 #include "Percepts/BodyPercepts.h"
 #include "Percepts/PerceptText.h"
 #include "Physics/Constants.h"
@@ -14,7 +16,6 @@ namespace {
 
 constexpr std::string_view kTypedScene = "rsg/agent/nao/nao_hetero.rsg";
 constexpr std::string_view kStandardScene = "rsg/agent/nao/nao.rsg";
-constexpr double kStartHeight = 0.4;  // of beamed and new players, m
 const Eigen::Vector3d kRefusedPlace{0.0, 0.0, 10.0};
 constexpr double kBeamPlaceNoise = 0.05;  // m, each axis
 constexpr double kBeamTurnNoise = 10.0;   // degrees
@@ -49,21 +50,21 @@ int jointIndex(const RobotModel& model, std::string_view effector) {
 
 Match::Match(const MatchOptions& options)
     : options_(options),
-      referee_(world_, RefereeOptions{.halfTime = options.half_time,
-                                      .autoKickOff = options.auto_kick_off,
-                                      .coinToss = options.coin_toss,
-                                      .changeSides = options.change_sides,
+      referee_(world_, RefereeOptions{.halfTime = options.halfTime,
+                                      .autoKickOff = options.autoKickOff,
+                                      .coinToss = options.coinToss,
+                                      .changeSides = options.changeSides,
                                       .seed = options.seed}),
       trainer_(world_, referee_) {
   world_.snapshot(time_, scene_);
 }
 
 Match::AgentId Match::connect() {
-  const VisionOptions vision{options_.noise, options_.ground_truth};
+  const VisionOptions vision{options_.noise, options_.groundTruth};
   agents_.push_back(std::make_unique<Agent>(
-      next_id_, Vision(vision, Random(options_.seed, "camera"), Random(options_.seed, "vision")),
+      nextId_, Vision(vision, Random(options_.seed, "camera"), Random(options_.seed, "vision")),
       Random(options_.seed, "beam")));
-  return next_id_++;
+  return nextId_++;
 }
 
 void Match::disconnect(AgentId id) {
@@ -164,7 +165,7 @@ void Match::readScene(Agent& agent, Node term) {
   } else {
     warn(agent, "unknown scene " + std::string(file.substr(0, kMaxWarningLength)));
   }
-  if (!options_.real_time) agent.cycles = 1;
+  if (!options_.realTime) agent.cycles = 1;
 }
 
 void Match::readInit(Agent& agent, Node term) {
@@ -216,7 +217,7 @@ void Match::step() {
   time_ += static_cast<float>(kStepSeconds);
   world_.snapshot(time_, scene_);
   referee_.step();
-  if (referee_.game().sidesChanged != sides_changed_) changeSides();
+  if (referee_.game().sidesChanged != sidesChanged_) changeSides();
   removeDisconnected();
   makePercepts();
 }
@@ -260,7 +261,7 @@ void Match::admit(Agent& agent) {
   referee_.setTeamName(player->side, init.team);
   seed(agent, init.team + " " + std::to_string(player->number));
   world_.enlist(agent.id, player->side, player->number);
-  world_.placeUpright(agent.id, {player->start.x(), player->start.y(), kStartHeight},
+  world_.placeUpright(agent.id, {player->start.x(), player->start.y(), kDropHeight},
                       forwardYaw(player->side));
   const auto at = std::find_if(agents_.begin(), agents_.end(),
                                [&agent](const auto& other) { return other.get() == &agent; });
@@ -270,9 +271,9 @@ void Match::admit(Agent& agent) {
 // From now on its random numbers are its own, whenever and in which order the players came.
 void Match::seed(Agent& agent, const std::string& name) {
   agent.vision =
-      Vision({options_.noise, options_.ground_truth}, Random(options_.seed, "camera " + name),
+      Vision({options_.noise, options_.groundTruth}, Random(options_.seed, "camera " + name),
              Random(options_.seed, "vision " + name));
-  agent.beam_noise = Random(options_.seed, "beam " + name);
+  agent.beamNoise = Random(options_.seed, "beam " + name);
 }
 
 void Match::carryOutActions() {
@@ -288,14 +289,14 @@ void Match::carryOutBeam(Agent& agent) {
   if (agent.side == Side::None || !referee_.beamAllowed() || robotOf(agent) == nullptr) return;
   Beam beam = *agent.beam;
   if (options_.noise) {
-    beam.x += agent.beam_noise.uniform(-kBeamPlaceNoise, kBeamPlaceNoise);
-    beam.y += agent.beam_noise.uniform(-kBeamPlaceNoise, kBeamPlaceNoise);
-    beam.turn += agent.beam_noise.uniform(-kBeamTurnNoise, kBeamTurnNoise);
+    beam.x += agent.beamNoise.uniform(-kBeamPlaceNoise, kBeamPlaceNoise);
+    beam.y += agent.beamNoise.uniform(-kBeamPlaceNoise, kBeamPlaceNoise);
+    beam.turn += agent.beamNoise.uniform(-kBeamTurnNoise, kBeamTurnNoise);
   }
   const double turn = agent.side == Side::Left ? 1.0 : -1.0;
   const double x = turn * std::clamp(beam.x, -kHalfLength, 0.0);
   const double y = turn * std::clamp(beam.y, -kHalfWidth, kHalfWidth);
-  world_.placeUpright(agent.id, {x, y, kStartHeight},
+  world_.placeUpright(agent.id, {x, y, kDropHeight},
                       forwardYaw(agent.side) + std::remainder(beam.turn, 360.0));
   referee_.noteBeam(agent.id);
 }
@@ -303,7 +304,7 @@ void Match::carryOutBeam(Agent& agent) {
 // Follows the referee, who has changed the teams' sides in this step. Nobody is told: agents see it
 // by the score and hear and see the teams' names as before.
 void Match::changeSides() {
-  sides_changed_ = referee_.game().sidesChanged;
+  sidesChanged_ = referee_.game().sidesChanged;
   roster_.changeSides();
   for (const auto& agent : agents_) {
     agent->side = opponent(agent->side);
@@ -350,7 +351,7 @@ void Match::writeGameState(Agent& agent, std::string& text) {
 
 void Match::makePercepts() {
   const std::array<std::string, 2> names = teamNames();
-  const double game_time = referee_.game().time;
+  const double gameTime = referee_.game().time;
   for (const auto& agent : agents_) {
     const bool picture = ++agent->cycles % kCyclesPerPicture == 0;
     const RobotBody* robot = robotOf(*agent);
@@ -362,7 +363,7 @@ void Match::makePercepts() {
     appendReal(text, time_);
     text += "))";
     writeGameState(*agent, text);
-    agent->hearing.write(names, game_time, text);
+    agent->hearing.write(names, gameTime, text);
     writeTorsoSensors(*robot, text);
     writeJoints(*robot, 0, kHeadJoints, text);
     if (picture) {

@@ -24,15 +24,15 @@ namespace arena {
 
 struct MatchOptions {
   std::uint64_t seed = 0;
-  float half_time = kHalfTime;
-  bool auto_kick_off = false;
-  bool coin_toss = false;     // who kicks off first is drawn unless the trainer names a side
-  bool change_sides = false;  // at half time
-  bool noise = true;          // of vision, camera offset and beam
-  bool ground_truth = false;  // mypos, myorien and ballpos terms
+  float halfTime = kHalfTime;
+  bool autoKickOff = false;
+  bool coinToss = false;     // who kicks off first is drawn unless the trainer names a side
+  bool changeSides = false;  // at half time
+  bool noise = true;         // of vision, camera offset and beam
+  bool groundTruth = false;  // mypos, myorien and ballpos terms
   // An agent's pictures are counted from its connection. In lockstep it is chance in which cycle
   // somebody connects; there they are counted from its scene message.
-  bool real_time = false;
+  bool realTime = false;
   std::function<void(const std::string&)> log = [](const std::string&) {};
 };
 
@@ -79,7 +79,7 @@ class Match {
 
   // Seconds since the start.
   double time() const { return time_; }
-  float halfTime() const { return options_.half_time; }
+  float halfTime() const { return options_.halfTime; }
   const GameState& game() const { return referee_.game(); }
   Referee& referee() { return referee_; }
   const Referee& referee() const { return referee_; }
@@ -101,8 +101,8 @@ class Match {
     double turn = 0.0;  // degrees
   };
   struct Agent {
-    Agent(AgentId agent_id, Vision eyes, Random noise)
-        : id(agent_id), vision(std::move(eyes)), beam_noise(noise) {}
+    Agent(AgentId agentId, Vision eyes, Random noise)
+        : id(agentId), vision(std::move(eyes)), beamNoise(noise) {}
 
     AgentId id;
     bool connected = true;
@@ -118,7 +118,7 @@ class Match {
     bool announce = false;  // the next game state tells side and number
     int cycles = 1;         // percepts due since it is counted, with that of the connection
     Vision vision;
-    Random beam_noise;
+    Random beamNoise;
     Hearing hearing;
     Calls calls;
     std::string percept;
@@ -154,10 +154,10 @@ class Match {
   Trainer trainer_;
   Roster roster_;
   std::vector<std::unique_ptr<Agent>> agents_;
-  AgentId next_id_ = 1;
+  AgentId nextId_ = 1;
   SExpression expression_;
   Scene scene_;
-  bool sides_changed_ = false;
+  bool sidesChanged_ = false;
   float time_ = 0.0f;  // single precision, like the game's clock
 };
 

@@ -1,13 +1,11 @@
 #include "Match/MatchWorld.h"
+#include "Common/Units.h"
 
 #include <algorithm>
 #include <cassert>
-#include <numbers>
 
 namespace arena {
 namespace {
-
-constexpr double kDegree = std::numbers::pi / 180.0;
 
 // Half the edges of the smallest box around a shape, in its frame.
 Eigen::Vector3d halfSizeOf(const BodySpec& spec) {
@@ -43,7 +41,7 @@ void MatchWorld::enlist(RobotHandle robot, Side side, int number) {
 }
 
 void MatchWorld::forgetPlaces() {
-  views_current_ = false;
+  viewsCurrent_ = false;
   colliders_.clear();
 }
 
@@ -65,20 +63,21 @@ void MatchWorld::snapshot(double time, Scene& scene) const {
       robot.pose(bodies[b].body) = body.pose(static_cast<int>(b));
     }
     for (std::size_t j = 0; j < body.model().joints.size(); ++j) {
-      robot.joints[j] = static_cast<float>(body.jointAngle(static_cast<int>(j)) / kDegree);
+      robot.joints[j] =
+          static_cast<float>(body.jointAngle(static_cast<int>(j)) / kRadiansPerDegree);
     }
   }
 }
 
 std::span<const RobotView> MatchWorld::robots() const {
-  if (!views_current_) {
+  if (!viewsCurrent_) {
     for (std::size_t i = 0; i < views_.size(); ++i) {
       const RobotBody& body = *physics_.robots()[i];
       assert(body.handle() == views_[i].handle);
       views_[i].torso = body.torsoPose();
       views_[i].velocity = body.torsoVelocity();
     }
-    views_current_ = true;
+    viewsCurrent_ = true;
   }
   return views_;
 }
@@ -112,7 +111,7 @@ void MatchWorld::moveRobot(RobotHandle robot, const Eigen::Vector3d& place) {
 void MatchWorld::placeUpright(RobotHandle robot, const Eigen::Vector3d& place, double yawDegrees) {
   RobotBody* body = physics_.robot(robot);
   if (body == nullptr) return;
-  body->placeUpright(place, yawDegrees * kDegree);
+  body->placeUpright(place, yawDegrees * kRadiansPerDegree);
   forgetPlaces();
 }
 

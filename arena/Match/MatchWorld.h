@@ -21,13 +21,13 @@ class MatchWorld : public RefereeWorld {
   void addRobot(RobotHandle robot, int type);
   // The robot has been given to a team; it now ranks last in the order of robots.
   void enlist(RobotHandle robot, Side side, int number);
-  void setAgentCount(int count) { agent_count_ = count; }
+  void setAgentCount(int count) { agentCount_ = count; }
   // To be called after every physics step.
   void refresh() { forgetPlaces(); }
   // Poses of everything, as they are now. `time`: simulation time, s.
   void snapshot(double time, Scene& scene) const;
 
-  int agentCount() const override { return agent_count_; }
+  int agentCount() const override { return agentCount_; }
   std::span<const RobotView> robots() const override;
   std::span<const ColliderView> colliders(RobotHandle robot) const override;
   BallView ball() const override;
@@ -46,10 +46,10 @@ class MatchWorld : public RefereeWorld {
   void forgetPlaces();
 
   PhysicsWorld physics_;
-  int agent_count_ = 0;
+  int agentCount_ = 0;
   // In the order of physics_.robots(); the places in it are brought up to date on demand.
   mutable std::vector<RobotView> views_;
-  mutable bool views_current_ = false;
+  mutable bool viewsCurrent_ = false;
   mutable std::map<RobotHandle, std::vector<ColliderView>> colliders_;
 };
 

@@ -25,36 +25,36 @@ bool isPrintable(std::string_view name) {
 }  // namespace
 
 int Roster::Team::players() const {
-  return std::accumulate(of_type.begin(), of_type.end(), 0);
+  return std::accumulate(ofType.begin(), ofType.end(), 0);
 }
 
 bool Roster::Team::mayAdd(int type) const {
-  if (players() >= kMaxNumber || of_type[type] >= kMaxOfOneType) return false;
+  if (players() >= kMaxNumber || ofType[type] >= kMaxOfOneType) return false;
   int types = 0;
   for (int other = 0; other < kRobotTypeCount; ++other) {
-    if (of_type[other] > 0) ++types;
-    if (other != type && of_type[type] + 1 + of_type[other] > kMaxOfTwoTypes) return false;
+    if (ofType[other] > 0) ++types;
+    if (other != type && ofType[type] + 1 + ofType[other] > kMaxOfTwoTypes) return false;
   }
   const int missing = std::max(0, kMinTypes - types);
-  return of_type[type] == 0 || kMaxNumber - players() > missing;
+  return ofType[type] == 0 || kMaxNumber - players() > missing;
 }
 
 Eigen::Vector2d Roster::Team::takeStart() {
-  const Eigen::Vector2d result = next_start;
-  next_start.y() -= kStartStepY;
-  if (next_start.y() < kStartMinY)
-    next_start += Eigen::Vector2d(kStartStepX, kStartY - next_start.y());
+  const Eigen::Vector2d result = nextStart;
+  nextStart.y() -= kStartStepY;
+  if (nextStart.y() < kStartMinY)
+    nextStart += Eigen::Vector2d(kStartStepX, kStartY - nextStart.y());
   return result;
 }
 
 Roster::Roster() {
   for (Side side : kBothSides)
-    teams_[index(side)].next_start = {ownGoalSign(side) * kStartX, kStartY};
+    teams_[index(side)].nextStart = {ownGoalSign(side) * kStartX, kStartY};
 }
 
 void Roster::changeSides() {
   std::swap(teams_[0], teams_[1]);
-  std::swap(teams_[0].next_start, teams_[1].next_start);  // belongs to the side
+  std::swap(teams_[0].nextStart, teams_[1].nextStart);  // belongs to the side
 }
 
 Roster::Team* Roster::teamOf(std::string_view name) {
@@ -66,10 +66,10 @@ Roster::Team* Roster::teamOf(std::string_view name) {
   return nullptr;
 }
 
-std::optional<Roster::Player> Roster::admit(std::string_view team_name, int number, int type) {
+std::optional<Roster::Player> Roster::admit(std::string_view teamName, int number, int type) {
   assert(type >= 0 && type < kRobotTypeCount);
-  if (!isPrintable(team_name) || number < 0 || number > kMaxNumber) return std::nullopt;
-  Team* team = teamOf(team_name);
+  if (!isPrintable(teamName) || number < 0 || number > kMaxNumber) return std::nullopt;
+  Team* team = teamOf(teamName);
   if (team == nullptr) return std::nullopt;
   if (number == 0) {
     const auto free = std::find(team->used.begin() + 1, team->used.end(), false);
@@ -80,14 +80,14 @@ std::optional<Roster::Player> Roster::admit(std::string_view team_name, int numb
   // A refusal for the type leaves the number taken: that is how the league's server does it.
   team->used[number] = true;
   if (!team->mayAdd(type)) return std::nullopt;
-  ++team->of_type[type];
+  ++team->ofType[type];
   return Player{team == &teams_[0] ? Side::Left : Side::Right, number, team->takeStart()};
 }
 
 void Roster::release(Side side, int number, int type) {
   Team& team = teams_[index(side)];
   team.used[number] = false;
-  --team.of_type[type];
+  --team.ofType[type];
 }
 
 }  // namespace arena

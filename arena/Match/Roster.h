@@ -48,9 +48,9 @@ class Roster {
  private:
   struct Team {
     std::string name;
-    std::array<bool, kMaxNumber + 1> used{};     // by number
-    std::array<int, kRobotTypeCount> of_type{};  // players by robot type
-    Eigen::Vector2d next_start = Eigen::Vector2d::Zero();
+    std::array<bool, kMaxNumber + 1> used{};    // by number
+    std::array<int, kRobotTypeCount> ofType{};  // players by robot type
+    Eigen::Vector2d nextStart = Eigen::Vector2d::Zero();
 
     int players() const;
     bool mayAdd(int type) const;

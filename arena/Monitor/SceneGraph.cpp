@@ -2,9 +2,9 @@
 
 #include <charconv>
 #include <cmath>
-#include <numbers>
 #include <string_view>
 
+#include "Common/Pitch.h"
 #include "Referee/Rules.h"
 
 namespace arena {
@@ -210,19 +210,11 @@ void SceneGraph::addPitch() {
     close(goal);
   }
 
-  struct Wall {
-    Eigen::Vector3d centre;
-    double x;
-    double y;
-  };
-  // The walls far outside the pitch, 1 m thick and 1 m high.
-  const Wall walls[] = {{{-24.99, 0, 0}, 1, 51},
-                        {{24.99, 0, 0}, 1, 51},
-                        {{0, -25, 0}, 50.98, 1},
-                        {{0, 25, 0}, 50.98, 1}};
-  for (const Wall& wall : walls) {
-    const std::size_t box = openTransform(at(wall.centre));
-    addLeaf(Kind::SingleMaterial, primitive("StdUnitBox", scale(wall.x, wall.y, 1), "naogrey"));
+  for (const StaticBox& wall : kOuterWalls) {
+    const auto& [x, y, z] = wall.centre;
+    const auto& [width, depth, height] = wall.size;
+    const std::size_t box = openTransform(at({x, y, z}));
+    addLeaf(Kind::SingleMaterial, primitive("StdUnitBox", scale(width, depth, height), "naogrey"));
     close(box);
   }
 

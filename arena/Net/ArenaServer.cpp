@@ -36,10 +36,10 @@ ArenaServer::ArenaServer(Match& match, const ServerOptions& options,
     : match_(match),
       options_(options),
       log_(std::move(log)),
-      agent_acceptor_(open(options.agent_port)),
-      monitor_acceptor_(open(options.monitor_port)),
+      agentAcceptor_(open(options.agentPort)),
+      monitorAcceptor_(open(options.monitorPort)),
       signals_(io_) {
-  if (options_.handle_signals) {
+  if (options_.handleSignals) {
     signals_.add(SIGINT);
     signals_.add(SIGTERM);
     signals_.async_wait([this](const boost::system::error_code& error, int) {
@@ -64,11 +64,11 @@ ArenaServer::Tcp::acceptor ArenaServer::open(unsigned short port) {
 }
 
 unsigned short ArenaServer::agentPort() const {
-  return agent_acceptor_.local_endpoint().port();
+  return agentAcceptor_.local_endpoint().port();
 }
 
 unsigned short ArenaServer::monitorPort() const {
-  return monitor_acceptor_.local_endpoint().port();
+  return monitorAcceptor_.local_endpoint().port();
 }
 
 void ArenaServer::stop() {
@@ -76,7 +76,7 @@ void ArenaServer::stop() {
 }
 
 void ArenaServer::acceptAgent() {
-  agent_acceptor_.async_accept([this](const boost::system::error_code& error, Tcp::socket socket) {
+  agentAcceptor_.async_accept([this](const boost::system::error_code& error, Tcp::socket socket) {
     if (error == boost::asio::error::operation_aborted) return;
     if (!error && agents_.size() >= kMaxAgents) {
       log_("agent turned away: too many connections");
@@ -84,7 +84,7 @@ void ArenaServer::acceptAgent() {
       AgentSession& session = agents_.emplace_back();
       session.id = match_.connect();
       session.connection = std::make_shared<FramedConnection>(std::move(socket), kAgentLimits);
-      session.waiting_since = Clock::now();
+      session.waitingSince = Clock::now();
       session.connection->start([this, &session] { onAgentEvent(session); });
     }
     acceptAgent();
@@ -92,8 +92,7 @@ void ArenaServer::acceptAgent() {
 }
 
 void ArenaServer::acceptMonitor() {
-  monitor_acceptor_.async_accept([this](const boost::system::error_code& error,
-                                        Tcp::socket socket) {
+  monitorAcceptor_.async_accept([this](const boost::system::error_code& error, Tcp::socket socket) {
     if (error == boost::asio::error::operation_aborted) return;
     if (!error && monitors_.size() >= kMaxMonitors) {
       log_("monitor turned away: too many connections");
@@ -114,7 +113,7 @@ void ArenaServer::onAgentEvent(AgentSession& session) {
     match_.receive(session.id, connection.take());
     session.applied = 1;
   }
-  session.waiting_since = Clock::now();
+  session.waitingSince = Clock::now();
   session.silent = false;
 }
 
@@ -134,7 +133,7 @@ bool ArenaServer::clockRuns() const {
   const auto loaded = std::count_if(agents_.begin(), agents_.end(), [this](const auto& session) {
     return !session.connection->ended() && match_.hasScene(session.id);
   });
-  return loaded > 0 && (begun_ || loaded >= options_.wait_agents);
+  return loaded > 0 && (begun_ || loaded >= options_.waitAgents);
 }
 
 // Whether the next cycle has a frame for the agent.
@@ -144,26 +143,26 @@ bool ArenaServer::frameDue(const AgentSession& session) const {
 
 // Whether the agent has sent what must be applied before it gets its next frame.
 bool ArenaServer::answered(const AgentSession& session) const {
-  const long next_frame = session.given + 1;
-  return session.applied + static_cast<long>(session.connection->waiting()) >= next_frame - 1;
+  const long nextFrame = session.given + 1;
+  return session.applied + static_cast<long>(session.connection->waiting()) >= nextFrame - 1;
 }
 
 bool ArenaServer::everybodyReady() {
   const Clock::time_point now = Clock::now();
-  const auto timeout = std::chrono::duration<double>(options_.agent_timeout);
+  const auto timeout = std::chrono::duration<double>(options_.agentTimeout);
   bool ready = true;
   for (AgentSession& session : agents_) {
     if (session.connection->ended() || session.silent || !frameDue(session)) continue;
     if (answered(session)) continue;
-    if (now - session.waiting_since < timeout) {
+    if (now - session.waitingSince < timeout) {
       ready = false;
       continue;
     }
     session.silent = true;
-    if (!session.told_silent) {
+    if (!session.toldSilent) {
       log_("agent " + std::to_string(session.id) + ": silent, not waited for until it speaks");
     }
-    session.told_silent = true;
+    session.toldSilent = true;
   }
   return ready;
 }
@@ -183,15 +182,15 @@ void ArenaServer::waitForAgents() {
 void ArenaServer::waitForTick() {
   io_.poll();
   while (!stopping_ && !clockRuns()) listen();
-  while (!stopping_ && io_.run_one_until(last_tick_ + kTick) > 0) {
+  while (!stopping_ && io_.run_one_until(lastTick_ + kTick) > 0) {
   }
-  last_tick_ = std::max(Clock::now(), last_tick_ + kTick);
+  lastTick_ = std::max(Clock::now(), lastTick_ + kTick);
 }
 
 void ArenaServer::run() {
-  last_tick_ = Clock::now();
+  lastTick_ = Clock::now();
   while (!stopping_) {
-    options_.real_time ? waitForTick() : waitForAgents();
+    options_.realTime ? waitForTick() : waitForAgents();
     if (!stopping_) cycle();
     if (match_.trainer().stopRequested()) stopping_ = true;
     if (options_.duration > 0.0 && match_.game().time >= options_.duration) stopping_ = true;
@@ -237,7 +236,7 @@ void ArenaServer::handOver() {
     if (frameDue(session) && !answered(session)) report_.late.push_back(id);
     // Frame k, which is given in this cycle, comes after messages 1 to k - 1.
     while (session.connection->waiting() > 0 &&
-           (options_.real_time || (frameDue(session) && session.applied < session.given))) {
+           (options_.realTime || (frameDue(session) && session.applied < session.given))) {
       match_.receive(id, session.connection->take());
       ++session.applied;
     }
@@ -247,12 +246,12 @@ void ArenaServer::handOver() {
 void ArenaServer::sendPercepts() {
   for (AgentSession& session : agents_) {
     if (!frameDue(session)) continue;
-    if (!session.connection->send(match_.percept(session.id)) && !session.told_slow) {
-      session.told_slow = true;
+    if (!session.connection->send(match_.percept(session.id)) && !session.toldSlow) {
+      session.toldSlow = true;
       log_("agent " + std::to_string(session.id) + ": does not read, frames are dropped");
     }
     ++session.given;
-    session.waiting_since = Clock::now();
+    session.waitingSince = Clock::now();
   }
 }
 
@@ -265,8 +264,8 @@ void ArenaServer::sendMonitors() {
     if (!due) continue;
     // Who is passed over misses nothing but moments: his stream goes on from what he was sent.
     if (session.connection->unsent() > kMonitorBacklog) {
-      if (!session.told_slow) log_("monitor does not read, messages are dropped");
-      session.told_slow = true;
+      if (!session.toldSlow) log_("monitor does not read, messages are dropped");
+      session.toldSlow = true;
       continue;
     }
     session.connection->send(session.stream.next(match_.scene(), match_.game(), passWait()));

@@ -20,13 +20,13 @@ namespace arena {
 
 struct ServerOptions {
   std::string bind = "127.0.0.1";
-  unsigned short agent_port = 3100;    // 0: any free one
-  unsigned short monitor_port = 3200;  // 0: any free one
-  bool real_time = false;              // 50 Hz by the wall clock instead of lockstep
-  double agent_timeout = 2.0;   // s of silence, after which lockstep goes on without an agent
-  int wait_agents = 0;          // the first cycle waits for so many agents with a scene
-  double duration = 0.0;        // s of game time, after which it ends; 0: never
-  bool handle_signals = false;  // interrupt and terminate end the run in order
+  unsigned short agentPort = 3100;    // 0: any free one
+  unsigned short monitorPort = 3200;  // 0: any free one
+  bool realTime = false;              // 50 Hz by the wall clock instead of lockstep
+  double agentTimeout = 2.0;          // s of silence, after which lockstep goes on without an agent
+  int waitAgents = 0;                 // the first cycle waits for so many agents with a scene
+  double duration = 0.0;              // s of game time, after which it ends; 0: never
+  bool handleSignals = false;         // interrupt and terminate end the run in order
 };
 
 // The arena on the network: agents at one port, trainers and monitors at another, and the clock.
@@ -70,15 +70,15 @@ class ArenaServer {
     long applied = 0;      // messages handed to the match; the one with the scene is the first
     long given = 0;        // frames given to the agent
     std::size_t seen = 0;  // messages waiting when it was last looked at
-    Clock::time_point waiting_since;  // last sign of life, or last frame given to it
-    bool silent = false;              // timed out: not waited for until it speaks again
-    bool told_silent = false;         // that has been logged
-    bool told_slow = false;           // that it loses frames by not reading, too
+    Clock::time_point waitingSince;  // last sign of life, or last frame given to it
+    bool silent = false;             // timed out: not waited for until it speaks again
+    bool toldSilent = false;         // that has been logged
+    bool toldSlow = false;           // that it loses frames by not reading, too
   };
   struct MonitorSession {
     std::shared_ptr<FramedConnection> connection;
     MonitorStream stream;
-    bool told_slow = false;  // that it loses messages by not reading has been logged
+    bool toldSlow = false;  // that it loses messages by not reading has been logged
   };
 
   Tcp::acceptor open(unsigned short port);
@@ -107,8 +107,8 @@ class ArenaServer {
   ServerOptions options_;
   std::function<void(const std::string&)> log_;
   boost::asio::io_context io_;
-  Tcp::acceptor agent_acceptor_;
-  Tcp::acceptor monitor_acceptor_;
+  Tcp::acceptor agentAcceptor_;
+  Tcp::acceptor monitorAcceptor_;
   boost::asio::signal_set signals_;
   std::list<AgentSession> agents_;
   std::list<MonitorSession> monitors_;
@@ -117,7 +117,7 @@ class ArenaServer {
   long cycles_ = 0;
   bool begun_ = false;
   bool stopping_ = false;
-  Clock::time_point last_tick_;
+  Clock::time_point lastTick_;
 };
 
 }  // namespace arena

@@ -26,7 +26,7 @@ std::array<char, 4> framePrefix(std::size_t length) {
 
 bool FrameSplitter::lengthAllowed() const {
   const std::string_view rest = std::string_view(buffer_).substr(begin_);
-  return rest.size() < kPrefixLength || lengthIn(rest) <= max_length_;
+  return rest.size() < kPrefixLength || lengthIn(rest) <= maxLength_;
 }
 
 bool FrameSplitter::append(std::string_view bytes) {
@@ -38,7 +38,7 @@ bool FrameSplitter::next(std::string& frame) {
   const std::string_view rest = std::string_view(buffer_).substr(begin_);
   if (rest.size() < kPrefixLength) return false;
   const std::size_t length = lengthIn(rest);
-  if (length > max_length_ || rest.size() < kPrefixLength + length) {
+  if (length > maxLength_ || rest.size() < kPrefixLength + length) {
     buffer_.erase(0, begin_);
     begin_ = 0;
     return false;
@@ -162,9 +162,9 @@ void FramedConnection::write() {
   if (error != boost::asio::error::would_block && error != boost::asio::error::try_again) return;
   writing_ = true;
   socket_.async_wait(boost::asio::ip::tcp::socket::wait_write,
-                     [self = shared_from_this()](const boost::system::error_code& wait_error) {
+                     [self = shared_from_this()](const boost::system::error_code& waitError) {
                        self->writing_ = false;
-                       if (!wait_error) self->write();
+                       if (!waitError) self->write();
                      });
 }
 

@@ -15,7 +15,7 @@ namespace arena {
 // Cuts a stream of bytes into frames: a 4-byte big-endian length, then as many bytes of text.
 class FrameSplitter {
  public:
-  explicit FrameSplitter(std::size_t max_length) : max_length_(max_length) {}
+  explicit FrameSplitter(std::size_t maxLength) : maxLength_(maxLength) {}
 
   // Takes the next bytes of the stream. Returns false if a frame is announced that is longer than
   // allowed; nothing more can then be read from the stream.
@@ -26,7 +26,7 @@ class FrameSplitter {
  private:
   bool lengthAllowed() const;
 
-  std::size_t max_length_;
+  std::size_t maxLength_;
   std::string buffer_;
   std::size_t begin_ = 0;  // of what has not been handed out
 };

@@ -1,13 +1,10 @@
 #include "Percepts/BodyPercepts.h"
 
-#include <numbers>
-
+#include "Common/Units.h"
 #include "Percepts/PerceptText.h"
 
 namespace arena {
 namespace {
-
-constexpr double kDegreesPerRadian = 180.0 / std::numbers::pi;
 
 void writeFoot(const RobotBody& robot, int body, std::string& text) {
   const std::string& sensor = robot.model().bodies[body].sensor;

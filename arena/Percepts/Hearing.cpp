@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
 
+#include "Common/Units.h"
 #include "Percepts/PerceptText.h"
 
 namespace arena {
@@ -51,7 +51,7 @@ void Hearing::hear(const Utterance& utterance, int self, Side side, const Eigen:
   if (channel.capacity < kCostOfMessage) return;
   channel.capacity -= kCostOfMessage;
   const double turn = side == Side::Right ? -1.0 : 1.0;
-  const double direction = std::atan2(turn * way.y(), turn * way.x()) * 180.0 / std::numbers::pi;
+  const double direction = std::atan2(turn * way.y(), turn * way.x()) * kDegreesPerRadian;
   channel.message = Message{utterance.side, direction, utterance.text};
 }
 
@@ -61,17 +61,17 @@ void Hearing::changeSides() {
   }
 }
 
-void Hearing::write(const std::array<std::string, 2>& team_names, double time,
+void Hearing::write(const std::array<std::string, 2>& teamNames, double time,
                     std::string& text) const {
   if (own_) {
-    writeHead(team_names[index(own_->side)], time, text);
+    writeHead(teamNames[index(own_->side)], time, text);
     text += "self ";
     text += own_->text;
     text += ')';
   }
   for (const Channel* channel : {&mates_, &opponents_}) {
     if (!channel->message) continue;
-    writeHead(team_names[index(channel->message->side)], time, text);
+    writeHead(teamNames[index(channel->message->side)], time, text);
     appendReal(text, channel->message->direction);
     text += ' ';
     text += channel->message->text;

@@ -40,7 +40,7 @@ class Hearing {
   // Messages of others that are heard in this cycle.
   int heard() const { return (mates_.message ? 1 : 0) + (opponents_.message ? 1 : 0); }
   // Appends a hear expression for each: own, team-mate, opponent. `time`: game time, s.
-  void write(const std::array<std::string, 2>& team_names, double time, std::string& text) const;
+  void write(const std::array<std::string, 2>& teamNames, double time, std::string& text) const;
 
  private:
   struct Message {

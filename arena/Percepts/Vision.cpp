@@ -6,12 +6,12 @@
 #include <string_view>
 #include <vector>
 
+#include "Common/Units.h"
 #include "Percepts/PerceptText.h"
 
 namespace arena {
 namespace {
 
-constexpr double kDegreesPerRadian = 180.0 / std::numbers::pi;
 constexpr double kMinDistance = 0.1;         // m
 constexpr double kHalfOpening = 60.0;        // degrees, horizontally and vertically
 constexpr double kCameraOffset = 0.005;      // m, each axis
@@ -141,11 +141,11 @@ std::optional<std::pair<Eigen::Vector3d, Eigen::Vector3d>> clipLine(const Eigen:
     if ((da < 0.0f) == (db < 0.0f)) continue;
     const Eigen::Vector3f cut = a + (b - a) * (da / (da - db));
     if (cut.y() < static_cast<float>(kMinDistance)) continue;
-    bool in_window = i >= kFirstUprightSide || side.distance(cut) >= -kLostCut * kWindow * cut.y();
+    bool inWindow = i >= kFirstUprightSide || side.distance(cut) >= -kLostCut * kWindow * cut.y();
     for (std::size_t j = 0; j < kWindowSides.size(); ++j) {
-      if (j != i && kWindowSides[j].distance(cut) < 0.0f) in_window = false;
+      if (j != i && kWindowSides[j].distance(cut) < 0.0f) inWindow = false;
     }
-    if (in_window) cuts[count++] = cut;
+    if (inWindow) cuts[count++] = cut;
   }
   if (count == 0) return std::nullopt;
   const auto point = [](const Eigen::Vector3f& p) -> Eigen::Vector3d { return p.cast<double>(); };
@@ -162,7 +162,7 @@ Vision::Vision(const VisionOptions& options, Random camera, Random noise)
 }
 
 void Vision::write(const Scene& scene, std::size_t self,
-                   const std::array<std::string, 2>& team_names, std::string& text) {
+                   const std::array<std::string, 2>& teamNames, std::string& text) {
   const Eigen::Isometry3d& head = scene.robots[self].pose(Body::Head);
   rotation_ = head.linear().transpose();
   shift_ = offset_ - rotation_ * head.translation();
@@ -171,9 +171,9 @@ void Vision::write(const Scene& scene, std::size_t self,
   const std::size_t start = text.size();
   writeObjects(scene, text);
   for (const SceneRobot& robot : scene.robots) {
-    if (robot.side != Side::None) writePlayer(robot, team_names[index(robot.side)], text);
+    if (robot.side != Side::None) writePlayer(robot, teamNames[index(robot.side)], text);
   }
-  if (options_.ground_truth) writeGroundTruth(scene, scene.robots[self], text);
+  if (options_.groundTruth) writeGroundTruth(scene, scene.robots[self], text);
   writeLines(text);
   // Every entry is followed by a space; the last one by the bracket.
   if (text.size() > start) text.pop_back();

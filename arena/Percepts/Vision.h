@@ -37,7 +37,7 @@ std::optional<std::pair<Eigen::Vector3d, Eigen::Vector3d>> clipLine(const Eigen:
 
 struct VisionOptions {
   bool noise = true;
-  bool ground_truth = false;  // mypos, myorien and ballpos terms
+  bool groundTruth = false;  // mypos, myorien and ballpos terms
 };
 
 // The camera of one agent: writes the See expression.
@@ -47,8 +47,8 @@ class Vision {
   Vision(const VisionOptions& options, Random camera, Random noise);
 
   // Appends "(See ...)" with what the robot at `self` in the scene sees.
-  // `team_names`: by Side. REQUIRES self < scene.robots.size().
-  void write(const Scene& scene, std::size_t self, const std::array<std::string, 2>& team_names,
+  // `teamNames`: by Side. REQUIRES self < scene.robots.size().
+  void write(const Scene& scene, std::size_t self, const std::array<std::string, 2>& teamNames,
              std::string& text);
 
   // Metres, camera frame.

@@ -3,8 +3,6 @@
 
 namespace arena {
 
-// One cycle is one physics step.
-inline constexpr double kStepSeconds = 0.02;
 inline constexpr double kGravity = 9.81;  // m/s²
 
 // The league's server keeps poses, masses, joint parameters and forces in single precision and

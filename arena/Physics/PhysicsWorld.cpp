@@ -4,8 +4,9 @@
 #include <cassert>
 #include <cstdarg>
 
+#include "Common/Pitch.h"
+#include "Common/Units.h"
 #include "Physics/Constants.h"
-#include "Physics/Field.h"
 #include "Physics/Surface.h"
 
 namespace arena {
@@ -66,20 +67,20 @@ PhysicsWorld::PhysicsWorld() {
   startEngine();
   world_ = dWorldCreate();
   space_ = dHashSpaceCreate(nullptr);
-  contact_group_ = dJointGroupCreate(0);
+  contactGroup_ = dJointGroupCreate(0);
   dWorldSetGravity(world_, 0.0, 0.0, single(-kGravity));
   dWorldSetCFM(world_, single(kWorldCfm));
   dWorldSetContactSurfaceLayer(world_, single(kContactSurfaceLayer));
   dWorldSetAutoDisableFlag(world_, 1);
 
   const dGeomID ground = dCreatePlane(space_, 0.0, 0.0, 1.0, 0.0);
-  dGeomSetData(ground, &ground_tag_);
+  dGeomSetData(ground, &groundTag_);
   dGeomSetCategoryBits(ground, kStaticBit);
   dGeomSetCollideBits(ground, kRobotBit | kBallBit);
   buildGoal(Side::Left);
   buildGoal(Side::Right);
   for (const StaticBox& wall : kOuterWalls) {
-    buildStaticBox(space_, wall.centre.data(), wall.size.data(), &wall_tag_, kStaticBit,
+    buildStaticBox(space_, wall.centre.data(), wall.size.data(), &wallTag_, kStaticBit,
                    kRobotBit | kBallBit, false);
   }
 
@@ -89,14 +90,14 @@ PhysicsWorld::PhysicsWorld() {
   dBodySetMass(ball_, &mass);
   dBodySetPosition(ball_, kBallStart.x(), kBallStart.y(), kBallStart.z());
   const dGeomID ball = dCreateSphere(space_, kBallRadius);
-  dGeomSetData(ball, &ball_tag_);
+  dGeomSetData(ball, &ballTag_);
   dGeomSetBody(ball, ball_);
   dGeomSetCategoryBits(ball, kBallBit);
 }
 
 PhysicsWorld::~PhysicsWorld() {
   robots_.clear();
-  dJointGroupDestroy(contact_group_);
+  dJointGroupDestroy(contactGroup_);
   dSpaceDestroy(space_);
   dWorldDestroy(world_);
 }
@@ -123,12 +124,12 @@ void PhysicsWorld::buildGoal(Side side) {
   dGeomSetCollideBits(reinterpret_cast<dGeomID>(space), kRobotBit | kBallBit);
   for (const StaticBox& part : kLeftGoalParts) {
     const StaticBox box = mirrored(part);
-    buildStaticBox(space, box.centre.data(), box.size.data(), &wall_tag_, kStaticBit,
+    buildStaticBox(space, box.centre.data(), box.size.data(), &wallTag_, kStaticBit,
                    kRobotBit | kBallBit, side == Side::Right);
   }
   const StaticBox box = mirrored(kLeftGoalSensor);
   buildStaticBox(space, box.centre.data(), box.size.data(),
-                 side == Side::Left ? &left_sensor_tag_ : &right_sensor_tag_, kSensorBit, kBallBit,
+                 side == Side::Left ? &leftSensorTag_ : &rightSensorTag_, kSensorBit, kBallBit,
                  side == Side::Right);
 }
 
@@ -142,8 +143,8 @@ RobotBody& PhysicsWorld::addRobot(RobotHandle handle, int type) {
 void PhysicsWorld::removeRobot(RobotHandle handle) {
   std::erase_if(robots_, [handle](const auto& robot) { return robot->handle() == handle; });
   // Nothing may be reported about a robot that is gone.
-  std::erase_if(ball_contacts_, [handle](const BallContact& c) { return c.robot == handle; });
-  std::erase_if(robot_contacts_, [handle](const RobotContact& c) {
+  std::erase_if(ballContacts_, [handle](const BallContact& c) { return c.robot == handle; });
+  std::erase_if(robotContacts_, [handle](const RobotContact& c) {
     return c.first == handle || c.second == handle;
   });
 }
@@ -210,10 +211,10 @@ void PhysicsWorld::sampleAccelerometers() {
 }
 
 void PhysicsWorld::step() {
-  ball_contacts_.clear();
-  robot_contacts_.clear();
+  ballContacts_.clear();
+  robotContacts_.clear();
   pending_.clear();
-  goal_hit_ = {};
+  goalHit_ = {};
   for (const auto& robot : robots_) {
     robot->clearFootContacts();
     robot->applyDrag();
@@ -222,7 +223,7 @@ void PhysicsWorld::step() {
   dSpaceCollide(space_, this, &PhysicsWorld::nearCallback);
   dWorldStep(world_, single(kStepSeconds));
   readFootForces();
-  dJointGroupEmpty(contact_group_);
+  dJointGroupEmpty(contactGroup_);
   rescueTheLost();
 }
 
@@ -258,30 +259,30 @@ void PhysicsWorld::nearCallback(void* self, dGeomID first, dGeomID second) {
 }
 
 void PhysicsWorld::collide(dGeomID first, dGeomID second) {
-  const GeomTag& first_tag = *static_cast<const GeomTag*>(dGeomGetData(first));
-  const GeomTag& second_tag = *static_cast<const GeomTag*>(dGeomGetData(second));
-  if (first_tag.robot != nullptr && second_tag.robot != nullptr && first_tag.robot->newcomer() &&
-      second_tag.robot->newcomer()) {
+  const GeomTag& firstTag = *static_cast<const GeomTag*>(dGeomGetData(first));
+  const GeomTag& secondTag = *static_cast<const GeomTag*>(dGeomGetData(second));
+  if (firstTag.robot != nullptr && secondTag.robot != nullptr && firstTag.robot->newcomer() &&
+      secondTag.robot->newcomer()) {
     return;
   }
   std::array<dContact, kMaxContacts> contacts;
   const int count = dCollide(first, second, kMaxContacts, &contacts[0].geom, sizeof(dContact));
   if (count == 0) return;
-  recordContacts(first_tag, second_tag, contacts.data(), count);
-  if (isSensor(first_tag) || isSensor(second_tag)) return;
+  recordContacts(firstTag, secondTag, contacts.data(), count);
+  if (isSensor(firstTag) || isSensor(secondTag)) return;
 
   const dSurfaceParameters surface =
-      mixSurfaces(surfaceOf(first_tag.kind), surfaceOf(second_tag.kind));
+      mixSurfaces(surfaceOf(firstTag.kind), surfaceOf(secondTag.kind));
   // Feet feel what they stand on or kick against, but not the ball. Between two robots the first of
   // the pair alone feels the force.
-  const bool ball = first_tag.kind == GeomTag::Kind::Ball || second_tag.kind == GeomTag::Kind::Ball;
-  const bool first_senses = first_tag.kind == GeomTag::Kind::Robot;
-  const GeomTag& tag = first_senses ? first_tag : second_tag;
+  const bool ball = firstTag.kind == GeomTag::Kind::Ball || secondTag.kind == GeomTag::Kind::Ball;
+  const bool firstSenses = firstTag.kind == GeomTag::Kind::Robot;
+  const GeomTag& tag = firstSenses ? firstTag : secondTag;
   const bool senses = !ball && tag.kind == GeomTag::Kind::Robot &&
                       !tag.robot->model().bodies[tag.body].sensor.empty();
   for (int i = 0; i < count; ++i) {
     contacts[i].surface = surface;
-    const dJointID joint = dJointCreateContact(world_, contact_group_, &contacts[i]);
+    const dJointID joint = dJointCreateContact(world_, contactGroup_, &contacts[i]);
     dJointAttach(joint, dGeomGetBody(first), dGeomGetBody(second));
     if (!senses) continue;
     if (pending_.size() == feedbacks_.size()) {
@@ -291,7 +292,7 @@ void PhysicsWorld::collide(dGeomID first, dGeomID second) {
     *feedback = {};
     dJointSetFeedback(joint, feedback);
     PendingFootForce pending{
-        tag.robot, tag.body, {}, feedback, dGeomGetBody(first_senses ? first : second), joint};
+        tag.robot, tag.body, {}, feedback, dGeomGetBody(firstSenses ? first : second), joint};
     std::copy_n(contacts[i].geom.pos, 3, pending.point);
     pending_.push_back(pending);
   }
@@ -301,27 +302,27 @@ void PhysicsWorld::recordContacts(const GeomTag& first, const GeomTag& second,
                                   const dContact* contacts, int count) {
   using Kind = GeomTag::Kind;
   for (const auto& [a, b] : {std::pair(&first, &second), std::pair(&second, &first)}) {
-    if (a->kind == Kind::LeftGoalSensor) goal_hit_[index(Side::Left)] = true;
-    if (a->kind == Kind::RightGoalSensor) goal_hit_[index(Side::Right)] = true;
+    if (a->kind == Kind::LeftGoalSensor) goalHit_[index(Side::Left)] = true;
+    if (a->kind == Kind::RightGoalSensor) goalHit_[index(Side::Right)] = true;
     if (a->kind != Kind::Robot || b->kind != Kind::Ball) continue;
     for (int i = 0; i < count; ++i) {
-      ball_contacts_.push_back({a->robot->handle(), vectorOf(contacts[i].geom.pos)});
+      ballContacts_.push_back({a->robot->handle(), vectorOf(contacts[i].geom.pos)});
     }
   }
   if (first.kind != Kind::Robot || second.kind != Kind::Robot) return;
   for (int i = 0; i < count; ++i) {
-    robot_contacts_.push_back({first.robot->handle(), second.robot->handle(),
-                               first.robot->model().bodies[first.body].body,
-                               second.robot->model().bodies[second.body].body,
-                               vectorOf(contacts[i].geom.pos)});
+    robotContacts_.push_back({first.robot->handle(), second.robot->handle(),
+                              first.robot->model().bodies[first.body].body,
+                              second.robot->model().bodies[second.body].body,
+                              vectorOf(contacts[i].geom.pos)});
   }
 }
 
 void PhysicsWorld::readFootForces() {
   for (const PendingFootForce& pending : pending_) {
-    const bool is_first = dJointGetBody(pending.joint, 0) == pending.on;
+    const bool isFirst = dJointGetBody(pending.joint, 0) == pending.on;
     pending.robot->addFootContact(pending.body, pending.point,
-                                  is_first ? pending.feedback->f1 : pending.feedback->f2);
+                                  isFirst ? pending.feedback->f1 : pending.feedback->f2);
   }
   for (const auto& robot : robots_) robot->updateFootSensors();
 }

@@ -8,15 +8,16 @@
 #include <span>
 #include <vector>
 
+#include "Common/Events.h"
+#include "Common/Robots.h"
 #include "Common/Side.h"
 #include "Physics/GeomTag.h"
 #include "Physics/RobotBody.h"
-#include "Referee/RefereeWorld.h"
 
 namespace arena {
 
 // The pitch in the physics engine: ground, walls, goals, ball and robots. One call of step() is one
-// cycle of 20 ms. World frame as in Field.h.
+// cycle of 20 ms. World frame as in Common/Pitch.h.
 class PhysicsWorld {
  public:
   PhysicsWorld();
@@ -51,9 +52,9 @@ class PhysicsWorld {
   void step();
 
   // What touched in the last step.
-  std::span<const BallContact> ballContacts() const { return ball_contacts_; }
-  std::span<const RobotContact> robotContacts() const { return robot_contacts_; }
-  bool goalSensorHit(Side side) const { return goal_hit_[index(side)]; }
+  std::span<const BallContact> ballContacts() const { return ballContacts_; }
+  std::span<const RobotContact> robotContacts() const { return robotContacts_; }
+  bool goalSensorHit(Side side) const { return goalHit_[index(side)]; }
 
  private:
   struct PendingFootForce {
@@ -78,18 +79,18 @@ class PhysicsWorld {
 
   dWorldID world_;
   dSpaceID space_;
-  dJointGroupID contact_group_;
+  dJointGroupID contactGroup_;
   dBodyID ball_;
-  GeomTag ground_tag_{GeomTag::Kind::Ground};
-  GeomTag wall_tag_{GeomTag::Kind::Wall};
-  GeomTag ball_tag_{GeomTag::Kind::Ball};
-  GeomTag left_sensor_tag_{GeomTag::Kind::LeftGoalSensor};
-  GeomTag right_sensor_tag_{GeomTag::Kind::RightGoalSensor};
+  GeomTag groundTag_{GeomTag::Kind::Ground};
+  GeomTag wallTag_{GeomTag::Kind::Wall};
+  GeomTag ballTag_{GeomTag::Kind::Ball};
+  GeomTag leftSensorTag_{GeomTag::Kind::LeftGoalSensor};
+  GeomTag rightSensorTag_{GeomTag::Kind::RightGoalSensor};
   std::vector<std::unique_ptr<RobotBody>> robots_;
 
-  std::vector<BallContact> ball_contacts_;
-  std::vector<RobotContact> robot_contacts_;
-  std::array<bool, 2> goal_hit_{};
+  std::vector<BallContact> ballContacts_;
+  std::vector<RobotContact> robotContacts_;
+  std::array<bool, 2> goalHit_{};
   std::vector<PendingFootForce> pending_;
   std::vector<std::unique_ptr<dJointFeedback>> feedbacks_;
 };

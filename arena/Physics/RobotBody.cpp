@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <numbers>
 #include <utility>
 
+#include "Common/Units.h"
 #include "Physics/Constants.h"
 
 namespace arena {
@@ -164,9 +164,8 @@ void RobotBody::setJointSpeed(int joint, double speed) {
   const JointSpec& spec = model_.joints[joint];
   if (std::isnan(speed)) speed = 0.0;
   const bool wakes = speed != 0.0;
-  const double limited = frozen_[static_cast<int>(spec.limb)]
-                             ? 0.0
-                             : std::clamp(speed, -spec.max_speed, spec.max_speed);
+  const double limited =
+      frozen_[static_cast<int>(spec.limb)] ? 0.0 : std::clamp(speed, -spec.maxSpeed, spec.maxSpeed);
   const double angle = jointAngle(joint);
   if (angle > spec.low && angle < spec.high) {
     dJointSetHingeParam(joints_[joint], dParamVel, single(limited));
@@ -176,7 +175,7 @@ void RobotBody::setJointSpeed(int joint, double speed) {
 }
 
 RobotBody::State RobotBody::state() const {
-  State result{{}, {}, last_velocity_, accelerometer_};
+  State result{{}, {}, lastVelocity_, accelerometer_};
   for (dBodyID body : bodies_) {
     State::BodyState part;
     std::copy_n(dBodyGetPosition(body), 3, part.position.begin());
@@ -186,13 +185,13 @@ RobotBody::State RobotBody::state() const {
     result.bodies.push_back(part);
   }
   for (dJointID joint : joints_) {
-    result.motor_speeds.push_back(dJointGetHingeParam(joint, dParamVel));
+    result.motorSpeeds.push_back(dJointGetHingeParam(joint, dParamVel));
   }
   return result;
 }
 
 void RobotBody::setState(const State& state) {
-  assert(state.bodies.size() == bodies_.size() && state.motor_speeds.size() == joints_.size());
+  assert(state.bodies.size() == bodies_.size() && state.motorSpeeds.size() == joints_.size());
   for (std::size_t i = 0; i < bodies_.size(); ++i) {
     const auto& [p, q, v, w] = state.bodies[i];
     const dQuaternion rotation{q[0], q[1], q[2], q[3]};
@@ -202,9 +201,9 @@ void RobotBody::setState(const State& state) {
     dBodySetAngularVel(bodies_[i], w[0], w[1], w[2]);
   }
   for (std::size_t i = 0; i < joints_.size(); ++i) {
-    dJointSetHingeParam(joints_[i], dParamVel, state.motor_speeds[i]);
+    dJointSetHingeParam(joints_[i], dParamVel, state.motorSpeeds[i]);
   }
-  last_velocity_ = state.last_velocity;
+  lastVelocity_ = state.lastVelocity;
   accelerometer_ = state.accelerometer;
 }
 
@@ -230,20 +229,20 @@ void RobotBody::placeUpright(const Eigen::Vector3d& place, double yaw) {
   Eigen::Isometry3f to = Eigen::Isometry3f::Identity();
   to.linear() = Eigen::AngleAxisf(static_cast<float>(yaw), Eigen::Vector3f::UnitZ()).matrix();
   to.translation() = place.cast<float>();
-  const Eigen::Isometry3f torso_from_world = torsoPose().cast<float>().inverse();
+  const Eigen::Isometry3f torsoFromWorld = torsoPose().cast<float>().inverse();
   for (std::size_t i = 0; i < bodies_.size(); ++i) {
     const Eigen::Isometry3f body = pose(static_cast<int>(i)).cast<float>();
-    setPose(bodies_[i], i == 0 ? to : chained(to, chained(torso_from_world, body)));
+    setPose(bodies_[i], i == 0 ? to : chained(to, chained(torsoFromWorld, body)));
   }
   stopAll();
 }
 
 void RobotBody::sampleAccelerometer() {
   const Eigen::Vector3d velocity = torsoVelocity();
-  const Eigen::Vector3d felt = (velocity - last_velocity_) / single(kStepSeconds) +
+  const Eigen::Vector3d felt = (velocity - lastVelocity_) / single(kStepSeconds) +
                                Eigen::Vector3d(0.0, 0.0, single(kGravity));
   accelerometer_ = matrixOf(dBodyGetRotation(bodies_.front())).transpose() * felt;
-  last_velocity_ = velocity;
+  lastVelocity_ = velocity;
 }
 
 void RobotBody::applyDrag() {
@@ -287,8 +286,7 @@ void RobotBody::updateFootSensors() {
 
 Eigen::Vector3d RobotBody::gyro() const {
   const Eigen::Vector3d world = vectorOf(dBodyGetAngularVel(bodies_.front()));
-  return matrixOf(dBodyGetRotation(bodies_.front())).transpose() * world *
-         (180.0 / std::numbers::pi);
+  return matrixOf(dBodyGetRotation(bodies_.front())).transpose() * world * kDegreesPerRadian;
 }
 
 const FootForce& RobotBody::footForce(int body) const {

@@ -7,7 +7,7 @@
 #include <array>
 #include <vector>
 
-#include "Common/Body.h"
+#include "Common/Robots.h"
 #include "Physics/GeomTag.h"
 #include "Physics/RobotModel.h"
 
@@ -43,8 +43,8 @@ class RobotBody {
       std::array<double, 3> spin;
     };
     std::vector<BodyState> bodies;
-    std::vector<double> motor_speeds;
-    Eigen::Vector3d last_velocity;
+    std::vector<double> motorSpeeds;
+    Eigen::Vector3d lastVelocity;
     Eigen::Vector3d accelerometer;
   };
   State state() const;
@@ -112,7 +112,7 @@ class RobotBody {
   std::vector<FootSensor> feet_;
   std::array<bool, std::size(kAllLimbs)> frozen_{};
   bool newcomer_ = false;
-  Eigen::Vector3d last_velocity_ = Eigen::Vector3d::Zero();
+  Eigen::Vector3d lastVelocity_ = Eigen::Vector3d::Zero();
   Eigen::Vector3d accelerometer_ = Eigen::Vector3d::Zero();
 };
 

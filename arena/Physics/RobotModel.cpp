@@ -1,14 +1,13 @@
 #include "Physics/RobotModel.h"
+#include "Common/Units.h"
 
 #include <cassert>
-#include <numbers>
 #include <string_view>
 
 namespace arena {
 namespace {
 
-constexpr double kDegree = std::numbers::pi / 180.0;
-constexpr double kCommonMaxSpeed = 351.77 * kDegree;
+constexpr double kCommonMaxSpeed = 351.77 * kRadiansPerDegree;
 constexpr double kFootMass = 0.2;
 constexpr double kFootLength = 0.16;
 // The toe is half as thick as the foot, so it takes half of the mass that its length would.
@@ -16,13 +15,13 @@ constexpr double kToeMassShare = 0.5;
 
 // The numbers in which the types differ.
 struct TypeSpec {
-  double hip_x;
-  double thigh_z;
-  double ankle_z;
-  double elbow_y;
-  double max_speed_ankle_pitch;
-  double max_speed_ankle_roll;
-  double toe_length;  //< 0: no toe
+  double hipX;
+  double thighZ;
+  double ankleZ;
+  double elbowY;
+  double maxSpeedAnklePitch;
+  double maxSpeedAnkleRoll;
+  double toeLength;  //< 0: no toe
 };
 
 constexpr double kHipZ = -0.115;
@@ -85,22 +84,22 @@ class Builder {
 
   // `letter` is "h", "a" or "l"; the anchor is given relative to the child body; degrees.
   void addJoint(double f, const std::string& letter, int number, int child, const Triple& anchor,
-                const Triple& axis, double low_deg, double high_deg,
-                double max_speed = kCommonMaxSpeed) {
+                const Triple& axis, double lowDeg, double highDeg,
+                double maxSpeed = kCommonMaxSpeed) {
     const std::string digit = std::to_string(number);
     model_.joints.push_back({prefixOf(f) + letter + "e" + digit, prefixOf(f) + letter + "j" + digit,
                              *limbOf(model_.bodies[child].body), child, model_.bodies[child].parent,
-                             plus(model_.bodies[child].position, anchor), axis, low_deg * kDegree,
-                             high_deg * kDegree, max_speed});
+                             plus(model_.bodies[child].position, anchor), axis,
+                             lowDeg * kRadiansPerDegree, highDeg * kRadiansPerDegree, maxSpeed});
   }
 
   // Limits given for the right side; on the left one they are mirrored.
   void addMirroredJoint(double f, const std::string& letter, int number, int child,
-                        const Triple& anchor, const Triple& axis, double low_deg, double high_deg,
-                        double max_speed = kCommonMaxSpeed) {
+                        const Triple& anchor, const Triple& axis, double lowDeg, double highDeg,
+                        double maxSpeed = kCommonMaxSpeed) {
     const bool right = f > 0.0;
-    addJoint(f, letter, number, child, anchor, axis, right ? low_deg : -high_deg,
-             right ? high_deg : -low_deg, max_speed);
+    addJoint(f, letter, number, child, anchor, axis, right ? lowDeg : -highDeg,
+             right ? highDeg : -lowDeg, maxSpeed);
   }
 
   void addHead() {
@@ -120,7 +119,7 @@ class Builder {
     const int upper = addBody(f, Body::RightUpperArm, shoulder, {f * 0.01, 0.02, 0.0},
                               ShapeKind::Box, {0.07, 0.08, 0.06}, 0.15, true);
     addMirroredJoint(f, "a", 2, upper, {-f * 0.01, -0.02, 0.0}, {0.0, 0.0, 1.0}, -95.0, 1.0);
-    const int elbow = addBead(f, Body::RightElbow, upper, {-f * 0.01, spec_.elbow_y, 0.009}, 0.035);
+    const int elbow = addBead(f, Body::RightElbow, upper, {-f * 0.01, spec_.elbowY, 0.009}, 0.035);
     addJoint(f, "a", 3, elbow, {0.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, -120.0, 120.0);
     const int lower = addBody(f, Body::RightLowerArm, elbow, {0.0, 0.05, 0.0}, ShapeKind::Box,
                               {0.05, 0.11, 0.05}, 0.2, true);
@@ -128,33 +127,33 @@ class Builder {
   }
 
   void addLeg(double f) {
-    const int hip1 = addBead(f, Body::RightHip1, 0, {f * spec_.hip_x, -0.01, kHipZ}, 0.09);
+    const int hip1 = addBead(f, Body::RightHip1, 0, {f * spec_.hipX, -0.01, kHipZ}, 0.09);
     addJoint(f, "l", 1, hip1, {0.0, 0.0, 0.0}, {-kSlant, 0.0, f * kSlant}, -90.0, 1.0);
     const int hip2 = addBead(f, Body::RightHip2, hip1, {0.0, 0.0, 0.0}, 0.125);
     addMirroredJoint(f, "l", 2, hip2, {0.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, -45.0, 25.0);
-    const int thigh = addBody(f, Body::RightThigh, hip2, {0.0, 0.01, spec_.thigh_z}, ShapeKind::Box,
+    const int thigh = addBody(f, Body::RightThigh, hip2, {0.0, 0.01, spec_.thighZ}, ShapeKind::Box,
                               {0.07, 0.07, 0.14}, 0.275, true);
-    addJoint(f, "l", 3, thigh, {0.0, -0.01, -spec_.thigh_z}, {1.0, 0.0, 0.0}, -25.0, 100.0);
+    addJoint(f, "l", 3, thigh, {0.0, -0.01, -spec_.thighZ}, {1.0, 0.0, 0.0}, -25.0, 100.0);
     const int shank = addBody(f, Body::RightShank, thigh, {0.0, 0.005, -0.125}, ShapeKind::Box,
                               {0.08, 0.07, 0.11}, 0.225, true);
     addJoint(f, "l", 4, shank, {0.0, -0.01, 0.045}, {1.0, 0.0, 0.0}, -130.0, 1.0);
-    const int ankle = addBead(f, Body::RightAnkle, shank, {0.0, -0.01, spec_.ankle_z}, 0.125);
+    const int ankle = addBead(f, Body::RightAnkle, shank, {0.0, -0.01, spec_.ankleZ}, 0.125);
     addJoint(f, "l", 5, ankle, {0.0, 0.0, 0.0}, {1.0, 0.0, 0.0}, -45.0, 75.0,
-             spec_.max_speed_ankle_pitch);
+             spec_.maxSpeedAnklePitch);
 
     // A foot with a toe is shorter by the toe and keeps its heel 0.05 m behind the ankle.
-    const double toe_mass = spec_.toe_length / kFootLength * kToeMassShare * kFootMass;
-    const double foot_length = kFootLength - spec_.toe_length;
-    const double foot_y = foot_length / 2.0 - 0.05;
-    const int foot = addBody(f, Body::RightFoot, ankle, {0.0, foot_y, -0.04}, ShapeKind::Box,
-                             {0.08, foot_length, 0.02}, kFootMass - toe_mass, true, "f");
+    const double toeMass = spec_.toeLength / kFootLength * kToeMassShare * kFootMass;
+    const double footLength = kFootLength - spec_.toeLength;
+    const double footY = footLength / 2.0 - 0.05;
+    const int foot = addBody(f, Body::RightFoot, ankle, {0.0, footY, -0.04}, ShapeKind::Box,
+                             {0.08, footLength, 0.02}, kFootMass - toeMass, true, "f");
     addMirroredJoint(f, "l", 6, foot, {0.0, -0.03, 0.035}, {0.0, 1.0, 0.0}, -25.0, 45.0,
-                     spec_.max_speed_ankle_roll);
-    if (spec_.toe_length <= 0.0) return;
+                     spec_.maxSpeedAnkleRoll);
+    if (spec_.toeLength <= 0.0) return;
     const int toe =
-        addBody(f, Body::RightToe, foot, {0.0, foot_length / 2.0 + spec_.toe_length / 2.0, -0.005},
-                ShapeKind::Box, {0.08, spec_.toe_length, 0.01}, toe_mass, true, "f1");
-    addJoint(f, "l", 7, toe, {0.0, -spec_.toe_length / 2.0, -0.005}, {1.0, 0.0, 0.0}, -1.0, 70.0);
+        addBody(f, Body::RightToe, foot, {0.0, footLength / 2.0 + spec_.toeLength / 2.0, -0.005},
+                ShapeKind::Box, {0.08, spec_.toeLength, 0.01}, toeMass, true, "f1");
+    addJoint(f, "l", 7, toe, {0.0, -spec_.toeLength / 2.0, -0.005}, {1.0, 0.0, 0.0}, -1.0, 70.0);
   }
 
   const TypeSpec& spec_;

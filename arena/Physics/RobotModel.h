@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Common/Body.h"
+#include "Common/Robots.h"
 
 // The five robot types as data: rigid bodies, hinges and foot sensors.
 //
@@ -14,8 +14,6 @@
 // aligned with the torso frame: +x = the robot's right, +y = its front, +z = up. All body frames
 // sit at the centre of mass, which is also the centre of the shape.
 namespace arena {
-
-constexpr int kRobotTypeCount = 5;
 
 using Triple = std::array<double, 3>;
 
@@ -42,7 +40,7 @@ struct JointSpec {
   Triple axis;            //< direction, zero pose; of any length
   double low;             //< lower stop, radians
   double high;            //< upper stop, radians
-  double max_speed;       //< radians per second
+  double maxSpeed;        //< radians per second
 };
 
 // One robot type. Bodies stand in the order torso, neck, head, right arm, left arm, right leg,

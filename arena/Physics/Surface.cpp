@@ -20,13 +20,13 @@ dSurfaceParameters mixSurfaces(const Surface& first, const Surface& second) {
     const Surface::Bounce& b = second.bounce ? *second.bounce : *first.bounce;
     result.mode |= dContactBounce;
     result.bounce = (a.restitution + b.restitution) / 2.0;
-    result.bounce_vel = (a.min_speed + b.min_speed) / 2.0;
+    result.bounce_vel = (a.minSpeed + b.minSpeed) / 2.0;
   }
-  if (const auto erp = mix(first.soft_erp, second.soft_erp)) {
+  if (const auto erp = mix(first.softErp, second.softErp)) {
     result.mode |= dContactSoftERP;
     result.soft_erp = single(*erp);
   }
-  if (const auto cfm = mix(first.soft_cfm, second.soft_cfm)) {
+  if (const auto cfm = mix(first.softCfm, second.softCfm)) {
     result.mode |= dContactSoftCFM;
     result.soft_cfm = single(*cfm);
   }

@@ -11,12 +11,12 @@ namespace arena {
 struct Surface {
   struct Bounce {
     double restitution;  // 0 to 1
-    double min_speed;    // m/s; slower impacts do not bounce
+    double minSpeed;     // m/s; slower impacts do not bounce
   };
 
   std::optional<Bounce> bounce;
-  std::optional<double> soft_erp;
-  std::optional<double> soft_cfm;
+  std::optional<double> softErp;
+  std::optional<double> softCfm;
   std::optional<double> slip;  // m/s per newton, both tangential directions
 };
 

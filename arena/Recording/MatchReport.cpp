@@ -4,6 +4,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "Common/Units.h"
 #include "Referee/Rules.h"
 
 namespace arena {
@@ -86,7 +87,7 @@ std::string MatchReport::json() const {
   using nlohmann::ordered_json;
   ordered_json report;
   report["cycles"] = cycles_;
-  report["simulated_seconds"] = rounded(static_cast<double>(cycles_) * 0.02, 100);
+  report["simulated_seconds"] = rounded(static_cast<double>(cycles_) * kStepSeconds, 100);
   report["game_time"] = rounded(static_cast<double>(game_.time), 100);
   report["half"] = game_.half;
   report["play_mode"] = nameOf(game_.mode);

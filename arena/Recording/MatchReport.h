@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "Common/Events.h"
+#include "Common/GameState.h"
 #include "Common/Scene.h"
 #include "Referee/BallWatch.h"
-#include "Referee/Events.h"
-#include "Referee/GameState.h"
 
 namespace arena {
 

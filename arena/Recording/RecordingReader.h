@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "Common/Events.h"
+#include "Common/PlayMode.h"
 #include "Common/Scene.h"
 #include "Recording/RecordingFormat.h"
-#include "Referee/Events.h"
-#include "Referee/PlayMode.h"
 
 namespace arena {
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "Common/Events.h"
+#include "Common/GameState.h"
 #include "Common/Scene.h"
 #include "Recording/RecordingFormat.h"
-#include "Referee/Events.h"
-#include "Referee/GameState.h"
 
 namespace arena {
 

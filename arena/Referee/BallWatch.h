@@ -2,16 +2,13 @@
 #define QUOLNARIS_REFEREE_BALLWATCH_H_
 
 #include <Eigen/Core>
-#include <limits>
 #include <span>
 #include <vector>
 
+#include "Common/Units.h"
 #include "Referee/RefereeWorld.h"
 
 namespace arena {
-
-// Seconds of game time before everything that is ever recorded.
-inline constexpr float kNever = -std::numeric_limits<float>::infinity();
 
 // A contact of a player with the ball. Kept with side and number, for the player may be gone when
 // they are asked for.

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <numbers>
 
 #include "Referee/Rules.h"
 
@@ -13,7 +12,7 @@ namespace {
 // Unsigned angle between two directions, degrees; 0 if one of them has no length.
 double angleBetween(const Eigen::Vector2d& a, const Eigen::Vector2d& b) {
   const double cross = a.x() * b.y() - a.y() * b.x();
-  return std::abs(std::atan2(cross, a.dot(b))) * 180.0 / std::numbers::pi;
+  return std::abs(std::atan2(cross, a.dot(b))) * kDegreesPerRadian;
 }
 
 }  // namespace

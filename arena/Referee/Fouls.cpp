@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Common/Pitch.h"
 #include "Referee/Charging.h"
 #include "Referee/Rules.h"
 
@@ -218,7 +219,7 @@ void Fouls::carryOut(RobotHandle handle, float time) {
   if (over) {
     player.penalised = false;
     placement_.hold(handle, false);
-    placement_.put(*robot, placement_.besidePitch(robot->side, robot->number, kBeamHeight), true,
+    placement_.put(*robot, placement_.besidePitch(robot->side, robot->number, kDropHeight), true,
                    time);
     return;
   }

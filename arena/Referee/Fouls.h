@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "Common/Events.h"
 #include "Common/Random.h"
 #include "Referee/BallWatch.h"
-#include "Referee/Events.h"
 #include "Referee/OwnAreaWatch.h"
 #include "Referee/PerRobot.h"
 #include "Referee/Placement.h"

@@ -53,7 +53,7 @@ class Placement {
 
  private:
   struct Record {
-    float moved = -std::numeric_limits<float>::infinity();
+    float moved = kNever;
     bool held = false;
   };
 

@@ -6,11 +6,11 @@
 #include <span>
 #include <vector>
 
+#include "Common/Events.h"
+#include "Common/GameState.h"
 #include "Common/Random.h"
 #include "Referee/BallWatch.h"
-#include "Referee/Events.h"
 #include "Referee/Fouls.h"
-#include "Referee/GameState.h"
 #include "Referee/KickRestrictions.h"
 #include "Referee/PassMode.h"
 #include "Referee/Placement.h"

@@ -5,7 +5,8 @@
 #include <optional>
 #include <span>
 
-#include "Common/Body.h"
+#include "Common/Events.h"
+#include "Common/Robots.h"
 #include "Common/Side.h"
 
 namespace arena {
@@ -16,10 +17,6 @@ namespace arena {
 // Frames and units: world frame (x along the pitch, left goal at negative x; y to the left seen
 // from the left team; z up), metres, metres per second, radians unless a name says degrees.
 // Spans stay valid until the next physics step or the next non-const call.
-
-// Names one robot from its connection to its removal; never used again for another one.
-using RobotHandle = int;
-inline constexpr RobotHandle kNoRobot = -1;
 
 // One robot that has been built (its scene is loaded). Torso frame: x right, y front, z up.
 struct RobotView {
@@ -38,21 +35,6 @@ struct ColliderView {
   bool box = true;
   Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();  // world from collider (its centre)
   Eigen::Vector3d halfSize = Eigen::Vector3d::Zero();      // m
-};
-
-// A robot collider touched the ball in the last step.
-struct BallContact {
-  RobotHandle robot = kNoRobot;
-  Eigen::Vector3d point = Eigen::Vector3d::Zero();
-};
-
-// Colliders of two different robots touched in the last step; one entry per contact point.
-struct RobotContact {
-  RobotHandle first = kNoRobot;
-  RobotHandle second = kNoRobot;
-  Body firstBody = Body::Torso;
-  Body secondBody = Body::Torso;
-  Eigen::Vector3d point = Eigen::Vector3d::Zero();
 };
 
 struct BallView {

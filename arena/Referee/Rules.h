@@ -1,25 +1,12 @@
 #ifndef QUOLNARIS_REFEREE_RULES_H_
 #define QUOLNARIS_REFEREE_RULES_H_
 
+#include "Common/Pitch.h"
+#include "Common/Units.h"
+
 namespace arena {
 
 // The numbers of the game. Metres, seconds, metres per second and degrees.
-
-inline constexpr float kCycle = 0.02f;
-
-// Pitch.
-inline constexpr double kFieldLength = 30.0;
-inline constexpr double kFieldWidth = 20.0;
-inline constexpr double kFieldHeight = 40.0;
-inline constexpr double kHalfLength = kFieldLength / 2;
-inline constexpr double kHalfWidth = kFieldWidth / 2;
-inline constexpr double kGoalWidth = 2.1;
-inline constexpr double kGoalDepth = 0.6;
-inline constexpr double kGoalHeight = 0.8;
-inline constexpr double kPenaltyLength = 1.8;
-inline constexpr double kPenaltyWidth = 6.0;
-inline constexpr double kBallRadius = 0.042;
-inline constexpr double kBallMass = 0.026;
 
 // Halves and kick-off.
 inline constexpr float kHalfTime = 300.0f;
@@ -42,7 +29,6 @@ inline constexpr double kOutMargin = 0.001;
 
 // Moving players.
 inline constexpr double kAgentRadius = 0.4;
-inline constexpr double kBeamHeight = 0.4;
 inline constexpr int kPlaceAttempts = 100;
 inline constexpr double kPlaceStep = 0.4;
 inline constexpr double kPlaceBallDistance = 1.0;

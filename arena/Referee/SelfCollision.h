@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <span>
 
-#include "Common/Body.h"
+#include "Common/Robots.h"
 #include "Referee/RefereeWorld.h"
 
 namespace arena {

@@ -3,8 +3,8 @@
 
 #include <Eigen/Core>
 
+#include "Common/PlayMode.h"
 #include "Common/Side.h"
-#include "Referee/PlayMode.h"
 
 namespace arena {
 

@@ -100,9 +100,9 @@ bool contains(const std::optional<std::string>& text, const std::string& part) {
 // An arena at free ports that runs in a thread of its own.
 class Arena {
  public:
-  explicit Arena(ServerOptions server_options = {}, MatchOptions match_options = {})
-      : match_(prepared(std::move(match_options))),
-        server_(match_, atFreePorts(std::move(server_options)),
+  explicit Arena(ServerOptions serverOptions = {}, MatchOptions matchOptions = {})
+      : match_(prepared(std::move(matchOptions))),
+        server_(match_, atFreePorts(std::move(serverOptions)),
                 [this](const std::string& line) { note(line); }) {
     server_.setObserver([this](const ArenaServer::CycleReport&) { ++cycles_; });
     thread_ = std::thread([this] { server_.run(); });
@@ -131,8 +131,8 @@ class Arena {
     return options;
   }
   static ServerOptions atFreePorts(ServerOptions options) {
-    options.agent_port = 0;
-    options.monitor_port = 0;
+    options.agentPort = 0;
+    options.monitorPort = 0;
     return options;
   }
   void note(const std::string& line) {
@@ -150,7 +150,7 @@ class Arena {
 
 ServerOptions impatient() {
   ServerOptions options;
-  options.agent_timeout = 0.2;
+  options.agentTimeout = 0.2;
   return options;
 }
 
@@ -295,7 +295,7 @@ TEST(Lockstep, LetsTheClockStandWithoutAgents) {
 
 TEST(Lockstep, HoldsTheFirstCycleUntilEnoughAgentsHaveTheirScene) {
   ServerOptions options;
-  options.wait_agents = 2;
+  options.waitAgents = 2;
   Arena arena(options);
   Client first(arena.agents());
   first.send("(scene rsg/agent/nao/nao.rsg)");
@@ -322,7 +322,7 @@ TEST(Lockstep, EndsWhenTheGameHasLastedLongEnough) {
 
 TEST(RealTime, SendsFramesToAgentsThatDoNotAnswer) {
   ServerOptions options;
-  options.real_time = true;
+  options.realTime = true;
   Arena arena(options);
   Player player(arena.agents(), 1, "Alpha");
   for (int i = 0; i < 15; ++i) ASSERT_TRUE(player.receive());
@@ -376,11 +376,11 @@ std::vector<std::string> playMatch(unsigned chance) {
   const std::vector<Role> roles{{1, "Alpha", 0}, {2, "Alpha", 4}, {3, "Alpha", 1},
                                 {1, "Beta", 3},  {2, "Beta", 2},  {5, "Beta", 0}};
   ServerOptions options;
-  options.wait_agents = static_cast<int>(roles.size());
-  options.agent_timeout = 20.0;
-  MatchOptions match_options;
-  match_options.seed = 77;
-  Arena arena(options, match_options);
+  options.waitAgents = static_cast<int>(roles.size());
+  options.agentTimeout = 20.0;
+  MatchOptions matchOptions;
+  matchOptions.seed = 77;
+  Arena arena(options, matchOptions);
   std::vector<std::string> streams(roles.size());
   std::vector<std::thread> threads;
   for (std::size_t i = 0; i < roles.size(); ++i) {

@@ -35,7 +35,7 @@ TEST_P(Recording, IsFollowedWithinTheTolerances) {
   EXPECT_LE(difference.torso, 0.002) << "m";
   EXPECT_LE(difference.gyro, 2.0) << "degrees/s";
   EXPECT_LE(difference.accelerometer, 0.05) << "of the range";
-  EXPECT_LE(difference.foot_force, 0.05) << "of the range";
+  EXPECT_LE(difference.footForce, 0.05) << "of the range";
   EXPECT_LE(difference.ball, 0.01) << "of the way";
 }
 

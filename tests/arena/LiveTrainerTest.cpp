@@ -70,7 +70,7 @@ class LiveTrainerTest : public testing::Test {
   }
   static ServerOptions anyPort() {
     ServerOptions options;
-    options.agent_port = options.monitor_port = 0;
+    options.agentPort = options.monitorPort = 0;
     return options;
   }
 

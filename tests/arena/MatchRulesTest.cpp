@@ -16,7 +16,7 @@ class MatchRulesTest : public testing::Test {
   static MatchOptions exact() {
     MatchOptions options;
     options.noise = false;
-    options.ground_truth = true;
+    options.groundTruth = true;
     return options;
   }
 

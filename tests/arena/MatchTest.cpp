@@ -303,9 +303,9 @@ TEST_F(Game, SeesInEveryThirdPercept) {
 TEST(Pictures, AreCountedFromTheConnectionInRealTimeAndFromTheSceneInLockstep) {
   // In which percept the first picture comes to an agent that sends its scene so many cycles after
   // the first one possible.
-  const auto first = [](bool real_time, int delay) {
+  const auto first = [](bool realTime, int delay) {
     MatchOptions options;
-    options.real_time = real_time;
+    options.realTime = realTime;
     Match match(options);
     const auto agent = match.connect();
     for (int i = 0; i < delay; ++i) match.step();
@@ -418,7 +418,7 @@ TEST(BeamNoise, StaysWithinItsBounds) {
   match.receive(agent, "(init (unum 1)(teamname Alpha))");
   match.step();
   double widest = 0.0;
-  double most_turned = 0.0;
+  double mostTurned = 0.0;
   for (int i = 0; i < 300; ++i) {
     match.receive(agent, "(beam -5 0 0)");
     match.step();
@@ -426,12 +426,12 @@ TEST(BeamNoise, StaysWithinItsBounds) {
     const double turned = std::atan2(torso.linear()(1, 1), torso.linear()(0, 1)) * 180.0 / M_PI;
     widest = std::max(
         {widest, std::abs(torso.translation().x() + 5.0), std::abs(torso.translation().y())});
-    most_turned = std::max(most_turned, std::abs(turned));
+    mostTurned = std::max(mostTurned, std::abs(turned));
   }
   EXPECT_LE(widest, 0.0501);
   EXPECT_GT(widest, 0.045);
-  EXPECT_LE(most_turned, 10.01);
-  EXPECT_GT(most_turned, 9.0);
+  EXPECT_LE(mostTurned, 10.01);
+  EXPECT_GT(mostTurned, 9.0);
 }
 
 TEST_F(Game, LetsPlayersHearEachOther) {
@@ -517,8 +517,8 @@ TEST_F(Game, DoesNotKnowTheGone) {
 TEST(ChangedSides, GoOnAsOnTheOtherSide) {
   MatchOptions options;
   options.noise = false;
-  options.half_time = 1.0f;
-  options.change_sides = true;
+  options.halfTime = 1.0f;
+  options.changeSides = true;
   Match match(options);
   const auto add = [&match](int number, const std::string& team) {
     const auto agent = match.connect();
@@ -574,7 +574,7 @@ TEST(CoinToss, DrawsWhoKicksOffWhereNobodyNamesASide) {
   for (std::uint64_t seed = 0; seed < 40; ++seed) {
     MatchOptions options;
     options.seed = seed;
-    options.coin_toss = true;
+    options.coinToss = true;
     Match match(options);
     match.trainer().receive("(kickOff None)");
     match.step();

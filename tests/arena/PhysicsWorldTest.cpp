@@ -536,7 +536,7 @@ struct Mix {
   Surface first;
   Surface second;
   std::optional<double> bounce;
-  double min_speed;
+  double minSpeed;
   std::optional<double> erp;
   std::optional<double> cfm;
   std::optional<double> slip;
@@ -556,10 +556,10 @@ TEST_P(Mixture, GivesTheTabledContact) {
     EXPECT_EQ((s.mode & dContactSlip2) != 0, m.slip.has_value());
     if (m.bounce) {
       EXPECT_NEAR(s.bounce, *m.bounce, 1e-7);
-      EXPECT_NEAR(s.bounce_vel, m.min_speed, 1e-7);
+      EXPECT_NEAR(s.bounce_vel, m.minSpeed, 1e-7);
     }
-    EXPECT_NEAR(s.soft_erp, m.erp.value_or(0.0), 1e-7);
-    EXPECT_NEAR(s.soft_cfm, m.cfm.value_or(0.0), 1e-8);
+    EXPECT_NEAR(s.softErp, m.erp.value_or(0.0), 1e-7);
+    EXPECT_NEAR(s.softCfm, m.cfm.value_or(0.0), 1e-8);
     if (m.slip) {
       EXPECT_NEAR(s.slip1, *m.slip, 1e-7);
       EXPECT_NEAR(s.slip2, *m.slip, 1e-7);

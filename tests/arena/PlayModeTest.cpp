@@ -1,4 +1,4 @@
-#include "Referee/PlayMode.h"
+#include "Common/PlayMode.h"
 
 #include <gtest/gtest.h>
 

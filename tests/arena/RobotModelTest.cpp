@@ -124,7 +124,7 @@ TEST(RobotModel, GivesOnlyTheFastAnkleTypeOtherSpeeds) {
       double expected = 6.139545;
       if (type == 2 && joint.effector.substr(1) == "le5") expected = 8.80667;
       if (type == 2 && joint.effector.substr(1) == "le6") expected = 3.47234;
-      EXPECT_NEAR(joint.max_speed, expected, 1e-6) << type << ' ' << joint.effector;
+      EXPECT_NEAR(joint.maxSpeed, expected, 1e-6) << type << ' ' << joint.effector;
     }
   }
 }

@@ -1,5 +1,5 @@
-#ifndef QUOLNARIS_COMMON_BODY_H_
-#define QUOLNARIS_COMMON_BODY_H_
+#ifndef QUOLNARIS_COMMON_ROBOTS_H_
+#define QUOLNARIS_COMMON_ROBOTS_H_
 
 #include <array>
 #include <cstddef>
@@ -7,6 +7,20 @@
 #include <string_view>
 
 namespace arena {
+
+// Names one robot from its connection to its removal; never used again for another one.
+using RobotHandle = int;
+inline constexpr RobotHandle kNoRobot = -1;
+
+// Robot types are numbered from 0. Type 4 has toes.
+inline constexpr int kRobotTypeCount = 5;
+inline constexpr int kTypeWithToes = 4;
+
+// Hinges of the type that has the most.
+inline constexpr std::size_t kMaxJoints = 24;
+inline constexpr std::size_t jointCount(int type) {
+  return type == kTypeWithToes ? kMaxJoints : kMaxJoints - 2;
+}
 
 // Every rigid body of a robot, in the order in which the bodies are created and shown on the
 // monitor. The toes exist in type 4 alone.
@@ -40,6 +54,10 @@ enum class Body {
 
 inline constexpr std::size_t kBodyCount = 25;
 
+inline constexpr bool hasBody(int type, Body body) {
+  return type == kTypeWithToes || (body != Body::RightToe && body != Body::LeftToe);
+}
+
 // Names by Body.
 inline constexpr std::array<std::string_view, kBodyCount> kBodyNames = {
     "body",      "neck",      "head",   "rshoulder", "rupperarm", "relbow", "rlowerarm",
@@ -64,4 +82,4 @@ inline constexpr std::optional<Limb> limbOf(Body body) {
 
 }  // namespace arena
 
-#endif  // QUOLNARIS_COMMON_BODY_H_
+#endif  // QUOLNARIS_COMMON_ROBOTS_H_

@@ -1,5 +1,5 @@
-#ifndef QUOLNARIS_REFEREE_PLAYMODE_H_
-#define QUOLNARIS_REFEREE_PLAYMODE_H_
+#ifndef QUOLNARIS_COMMON_PLAYMODE_H_
+#define QUOLNARIS_COMMON_PLAYMODE_H_
 
 #include <array>
 #include <cstddef>
@@ -124,4 +124,4 @@ inline constexpr bool stopsClock(PlayMode mode) {
 
 }  // namespace arena
 
-#endif  // QUOLNARIS_REFEREE_PLAYMODE_H_
+#endif  // QUOLNARIS_COMMON_PLAYMODE_H_

@@ -1,11 +1,11 @@
-#ifndef QUOLNARIS_REFEREE_GAMESTATE_H_
-#define QUOLNARIS_REFEREE_GAMESTATE_H_
+#ifndef QUOLNARIS_COMMON_GAMESTATE_H_
+#define QUOLNARIS_COMMON_GAMESTATE_H_
 
 #include <array>
 #include <string>
 
+#include "Common/PlayMode.h"
 #include "Common/Side.h"
-#include "Referee/PlayMode.h"
 
 namespace arena {
 
@@ -26,4 +26,4 @@ struct GameState {
 
 }  // namespace arena
 
-#endif  // QUOLNARIS_REFEREE_GAMESTATE_H_
+#endif  // QUOLNARIS_COMMON_GAMESTATE_H_

@@ -74,17 +74,21 @@ class Chronicle {
       const arena::Match::Calls calls = match.calls(robot.handle);
       report_.noteCalls(robot.side, robot.number, calls.said, calls.heard);
     }
-    for (const arena::Match::AgentId agent : cycle.late)
-      for (const arena::SceneRobot& robot : match.scene().robots)
-        if (robot.handle == agent && robot.side != arena::Side::None)
+    for (const arena::Match::AgentId agent : cycle.late) {
+      for (const arena::SceneRobot& robot : match.scene().robots) {
+        if (robot.handle == agent && robot.side != arena::Side::None) {
           report_.noteLateAnswer(robot.side, robot.number);
+        }
+      }
+    }
   }
 
   // Throws std::runtime_error if something could not be written.
   void finish() {
     if (writer_ && !writer_->close()) throw std::runtime_error("the recording is incomplete");
-    if (!reportFile_.empty() && !report_.write(reportFile_))
+    if (!reportFile_.empty() && !report_.write(reportFile_)) {
       throw std::runtime_error("cannot write the report " + reportFile_);
+    }
   }
 
  private:

@@ -100,15 +100,17 @@ inline constexpr Side sideOf(PlayMode mode) {
 
 // The mode of this kind and side. REQUIRES: it exists.
 inline constexpr PlayMode modeOf(ModeKind kind, Side side = Side::None) {
-  for (std::size_t i = 0; i < kPlayModeCount; ++i)
+  for (std::size_t i = 0; i < kPlayModeCount; ++i) {
     if (kPlayModes[i].kind == kind && kPlayModes[i].side == side) return static_cast<PlayMode>(i);
+  }
   return PlayMode::BeforeKickOff;
 }
 
 // The mode that is spelled like this, case included; none if there is no such mode.
 inline constexpr std::optional<PlayMode> modeByName(std::string_view name) {
-  for (std::size_t i = 0; i < kPlayModeCount; ++i)
+  for (std::size_t i = 0; i < kPlayModeCount; ++i) {
     if (kPlayModes[i].name == name) return static_cast<PlayMode>(i);
+  }
   return std::nullopt;
 }
 

@@ -18,8 +18,9 @@ std::string readFile(const std::string& path) {
   std::string text;
   std::array<char, 65536> buffer;
   int count = 0;
-  while ((count = gzread(file, buffer.data(), buffer.size())) > 0)
+  while ((count = gzread(file, buffer.data(), buffer.size())) > 0) {
     text.append(buffer.data(), count);
+  }
   gzclose(file);
   if (count < 0) throw std::runtime_error("cannot read " + path);
   return text;

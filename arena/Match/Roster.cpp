@@ -42,14 +42,16 @@ bool Roster::Team::mayAdd(int type) const {
 Eigen::Vector2d Roster::Team::takeStart() {
   const Eigen::Vector2d result = nextStart;
   nextStart.y() -= kStartStepY;
-  if (nextStart.y() < kStartMinY)
+  if (nextStart.y() < kStartMinY) {
     nextStart += Eigen::Vector2d(kStartStepX, kStartY - nextStart.y());
+  }
   return result;
 }
 
 Roster::Roster() {
-  for (Side side : kBothSides)
+  for (Side side : kBothSides) {
     teams_[index(side)].nextStart = {ownGoalSign(side) * kStartX, kStartY};
+  }
 }
 
 void Roster::changeSides() {

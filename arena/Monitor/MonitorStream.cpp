@@ -54,8 +54,9 @@ void appendEnvironment(std::string& text, float halfTime) {
 // A team's name as it can stand in an expression: what would end or quote an atom is replaced.
 std::string asAtom(std::string_view name) {
   std::string atom(name);
-  for (char& c : atom)
+  for (char& c : atom) {
     if (std::string_view(" \t\r\n()\"'\\;").find(c) != std::string_view::npos) c = '_';
+  }
   return atom;
 }
 
@@ -66,16 +67,21 @@ void appendState(std::string& text, const GameState& game, const GameState* sent
   constexpr std::string_view kTeams[] = {"team_left", "team_right"};
   constexpr std::string_view kScores[] = {"score_left", "score_right"};
   constexpr std::string_view kWaits[] = {"pass_mode_score_wait_left", "pass_mode_score_wait_right"};
-  for (std::size_t i = 0; i < 2; ++i)
-    if (!game.teamNames[i].empty() && (!sent || game.teamNames[i] != sent->teamNames[i]))
+  for (std::size_t i = 0; i < 2; ++i) {
+    if (!game.teamNames[i].empty() && (!sent || game.teamNames[i] != sent->teamNames[i])) {
       appendTerm(text, kTeams[i], asAtom(game.teamNames[i]));
+    }
+  }
   if (!sent || game.half != sent->half) appendTerm(text, "half", game.half);
-  for (std::size_t i = 0; i < 2; ++i)
+  for (std::size_t i = 0; i < 2; ++i) {
     if (!sent || game.score[i] != sent->score[i]) appendTerm(text, kScores[i], game.score[i]);
+  }
   if (!sent || game.mode != sent->mode) appendTerm(text, "play_mode", static_cast<int>(game.mode));
-  for (std::size_t i = 0; i < 2; ++i)
-    if (game.mode == PlayMode::PlayOn && passWait[i] > 0)
+  for (std::size_t i = 0; i < 2; ++i) {
+    if (game.mode == PlayMode::PlayOn && passWait[i] > 0) {
       appendTerm(text, kWaits[i], static_cast<double>(passWait[i]));
+    }
+  }
 }
 
 void appendFouls(std::string& text, std::span<const FoulEvent> fouls) {
@@ -98,14 +104,16 @@ void MonitorStream::noteFouls(std::span<const FoulEvent> fouls) {
   // ones.
   constexpr std::size_t kMaxFouls = 256;
   fouls_.insert(fouls_.end(), fouls.begin(), fouls.end());
-  if (fouls_.size() > kMaxFouls)
+  if (fouls_.size() > kMaxFouls) {
     fouls_.erase(fouls_.begin(), fouls_.end() - static_cast<std::ptrdiff_t>(kMaxFouls));
+  }
 }
 
 std::vector<MonitorStream::RobotKey> MonitorStream::keysOf(const Scene& scene) {
   std::vector<RobotKey> keys;
-  for (const SceneRobot& robot : scene.robots)
+  for (const SceneRobot& robot : scene.robots) {
     keys.push_back({robot.handle, robot.side, robot.number, robot.type});
+  }
   return keys;
 }
 

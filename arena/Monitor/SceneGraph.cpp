@@ -101,17 +101,20 @@ constexpr Look kLooks[] = {
 };
 
 const Look* lookOf(Body body) {
-  for (const Look& look : kLooks)
+  for (const Look& look : kLooks) {
     if (look.body == body) return &look;
+  }
   return nullptr;
 }
 
 std::string materialName(std::string_view word, const SceneRobot& robot) {
   if (word == "T") return "matType" + std::to_string(robot.type);
-  if (word == "team")
+  if (word == "team") {
     return robot.side == Side::None ? "matTeam" : robot.side == Side::Left ? "matLeft" : "matRight";
-  if (word == "num")
+  }
+  if (word == "num") {
     return robot.side == Side::None ? "matNum" : "matNum" + std::to_string(robot.number);
+  }
   return std::string(word);
 }
 
@@ -171,10 +174,12 @@ std::size_t SceneGraph::open(Node node) {
 
 std::size_t SceneGraph::openTransform(const Isometry& pose) {
   Node node;
-  for (Eigen::Index column = 0; column < kColumns; ++column)
-    for (Eigen::Index row = 0; row < 4; ++row)
+  for (Eigen::Index column = 0; column < kColumns; ++column) {
+    for (Eigen::Index row = 0; row < 4; ++row) {
       node.sent[static_cast<std::size_t>(4 * column + row)] =
           static_cast<float>(pose.matrix()(row, column));
+    }
+  }
   return open(std::move(node));
 }
 
@@ -218,8 +223,9 @@ void SceneGraph::addPitch() {
     close(box);
   }
 
-  for (const double x : {-kHalfLength, kHalfLength})
+  for (const double x : {-kHalfLength, kHalfLength}) {
     for (const double y : {kHalfWidth, -kHalfWidth}) addEmptyTransform({x, y, 0});
+  }
   // The 11 straight lines and the 10 pieces of the centre circle.
   constexpr int kLines = 21;
   for (int i = 0; i < kLines; ++i) addEmptyTransform(Eigen::Vector3d::Zero());
@@ -265,10 +271,12 @@ SceneGraph::Matrix SceneGraph::current(const Node& node, const Scene& scene) con
   const Isometry& pose =
       node.source == Node::Source::Ball ? scene.ball : scene.robots[node.robot].pose(node.body);
   Matrix matrix{};
-  for (Eigen::Index column = 0; column < kColumns; ++column)
-    for (Eigen::Index row = 0; row < 3; ++row)
+  for (Eigen::Index column = 0; column < kColumns; ++column) {
+    for (Eigen::Index row = 0; row < 3; ++row) {
       matrix[static_cast<std::size_t>(4 * column + row)] =
           static_cast<float>(pose.matrix()(row, column));
+    }
+  }
   matrix[15] = 1;
   return matrix;
 }
@@ -285,8 +293,9 @@ void appendTransform(std::string& text, const std::array<float, 16>& matrix) {
 }
 
 bool differs(const std::array<float, 16>& a, const std::array<float, 16>& b) {
-  for (std::size_t i = 0; i < a.size(); ++i)
+  for (std::size_t i = 0; i < a.size(); ++i) {
     if (!(std::abs(a[i] - b[i]) <= kTransformChange)) return true;
+  }
   return false;
 }
 

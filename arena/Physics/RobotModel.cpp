@@ -21,7 +21,7 @@ struct TypeSpec {
   double elbowY;
   double maxSpeedAnklePitch;
   double maxSpeedAnkleRoll;
-  double toeLength;  //< 0: no toe
+  double toeLength;  // 0: no toe
 };
 
 constexpr double kHipZ = -0.115;

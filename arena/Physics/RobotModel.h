@@ -21,26 +21,26 @@ enum class ShapeKind { Box, Sphere, Capsule };
 
 struct BodySpec {
   Body body;
-  int parent;       //< index of the parent body; -1 for the torso
-  Triple position;  //< centre relative to the torso centre, zero pose
+  int parent;       // index of the parent body; -1 for the torso
+  Triple position;  // centre relative to the torso centre, zero pose
   ShapeKind shape;
-  Triple size;  //< box: edges; sphere: radius, 0, 0; capsule: radius, cylinder length, 0
+  Triple size;  // box: edges; sphere: radius, 0, 0; capsule: radius, cylinder length, 0
   double mass;
-  bool collider;       //< whether the shape takes part in collisions
-  std::string sensor;  //< name of the foot force sensor ("rf", "lf1"), empty if none
+  bool collider;       // whether the shape takes part in collisions
+  std::string sensor;  // name of the foot force sensor ("rf", "lf1"), empty if none
 };
 
 struct JointSpec {
-  std::string effector;   //< "he1", "rle3", ...
-  std::string perceptor;  //< "hj1", "rlj3", ...
+  std::string effector;   // "he1", "rle3", ...
+  std::string perceptor;  // "hj1", "rlj3", ...
   Limb limb;              // what it is frozen with
-  int child;              //< index of the body that the hinge moves
-  int parent;             //< index of the body that it hangs on
-  Triple anchor;          //< relative to the torso centre, zero pose
-  Triple axis;            //< direction, zero pose; of any length
-  double low;             //< lower stop, radians
-  double high;            //< upper stop, radians
-  double maxSpeed;        //< radians per second
+  int child;              // index of the body that the hinge moves
+  int parent;             // index of the body that it hangs on
+  Triple anchor;          // relative to the torso centre, zero pose
+  Triple axis;            // direction, zero pose; of any length
+  double low;             // lower stop, radians
+  double high;            // upper stop, radians
+  double maxSpeed;        // radians per second
 };
 
 // One robot type. Bodies stand in the order torso, neck, head, right arm, left arm, right leg,

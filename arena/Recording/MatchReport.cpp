@@ -74,11 +74,13 @@ void MatchReport::observe(const Scene& scene, const GameState& game,
                           const Touch& lastTouch) {
   ++cycles_;
   if (game.sidesChanged != game_.sidesChanged) changeSides();
-  for (const SceneRobot& robot : scene.robots)
+  for (const SceneRobot& robot : scene.robots) {
     if (robot.side != Side::None) watch(robot);
+  }
   goals_.insert(goals_.end(), goals.begin(), goals.end());
-  for (const FoulEvent& foul : fouls)
+  for (const FoulEvent& foul : fouls) {
     if (foul.first) ++players_[{foul.side, foul.number}].fouls[foul.type];
+  }
   if (game.mode == PlayMode::PlayOn) ++possession_[index(lastTouch.side)];
   game_ = game;
 }
@@ -120,8 +122,9 @@ std::string MatchReport::json() const {
     entry["distance"] = rounded(player.distance + (player.place - player.mark).norm(), 100);
     entry["falls"] = player.falls;
     entry["fouls"] = ordered_json::object();
-    for (const auto& [type, count] : player.fouls)
+    for (const auto& [type, count] : player.fouls) {
       entry["fouls"][kFoulNames[static_cast<std::size_t>(type)]] = count;
+    }
     entry["late_answers"] = player.lateAnswers;
     entry["said"] = player.said;
     entry["heard"] = player.heard;

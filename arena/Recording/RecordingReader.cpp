@@ -45,9 +45,10 @@ RecordingReader::RecordingReader(const std::string& path) : file_(gzopen(path.c_
   const int got = gzread(static_cast<gzFile>(file_), magic.data(), static_cast<unsigned>(size));
   if (got != size || magic != kRecordingMagic) fail(path + " is no match recording");
   const int version = gzgetc(static_cast<gzFile>(file_));
-  if (version != kRecordingVersion)
+  if (version != kRecordingVersion) {
     fail(path + " has version " + std::to_string(version) + ", known is " +
          std::to_string(kRecordingVersion));
+  }
 }
 
 RecordingReader::~RecordingReader() {
@@ -85,8 +86,9 @@ std::int64_t RecordingReader::signedNumber() {
 
 int RecordingReader::small(int low, int high, const char* what) {
   const int value = byte();
-  if (value < low || value > high)
+  if (value < low || value > high) {
     throw RecordingError("the recording holds an impossible " + std::string(what));
+  }
   return value;
 }
 
@@ -138,9 +140,10 @@ void RecordingReader::readCycle(RecordedCycle& cycle) {
     shown.number = robot.number;
     shown.type = robot.type;
     shown.torso = poseOf(robot.last);
-    for (std::size_t j = 0; j < joints; ++j)
+    for (std::size_t j = 0; j < joints; ++j) {
       shown.joints[j] =
           static_cast<float>(static_cast<double>(robot.last[kPoseNumbers + j]) * kRecordedAngle);
+    }
   }
 }
 

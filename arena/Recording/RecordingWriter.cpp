@@ -22,8 +22,9 @@ std::int64_t stored(double value, double unit) {
 
 template <class Numbers>
 void storePose(const Eigen::Isometry3d& pose, Numbers& numbers) {
-  for (Eigen::Index i = 0; i < 3; ++i)
+  for (Eigen::Index i = 0; i < 3; ++i) {
     numbers[static_cast<std::size_t>(i)] = stored(pose.translation()[i], kRecordedLength);
+  }
   Eigen::Quaterniond turn(pose.linear());
   // Of the two quaternions of a rotation the one with positive w, so that nothing jumps needlessly.
   if (turn.w() < 0) turn.coeffs() = -turn.coeffs();
@@ -93,8 +94,9 @@ void RecordingWriter::writeRoster(std::span<const SceneRobot* const> robots) {
 void RecordingWriter::write(const Scene& scene, const GameState& game,
                             std::span<const GoalEvent> goals, std::span<const FoulEvent> fouls) {
   std::vector<const SceneRobot*> robots;
-  for (const SceneRobot& robot : scene.robots)
+  for (const SceneRobot& robot : scene.robots) {
     if (robot.side != Side::None) robots.push_back(&robot);
+  }
   writeTeams(game);
   writeRoster(robots);
 
@@ -111,10 +113,12 @@ void RecordingWriter::write(const Scene& scene, const GameState& game,
     RecordedRobotNumbers numbers{};
     storePose(robots[r]->pose(Body::Torso), numbers);
     const std::size_t joints = jointCount(robots[r]->type);
-    for (std::size_t j = 0; j < joints; ++j)
+    for (std::size_t j = 0; j < joints; ++j) {
       numbers[kPoseNumbers + j] = stored(static_cast<double>(robots[r]->joints[j]), kRecordedAngle);
-    for (std::size_t i = 0; i < kPoseNumbers + joints; ++i)
+    }
+    for (std::size_t i = 0; i < kPoseNumbers + joints; ++i) {
       signedNumber(numbers[i] - roster_[r].last[i]);
+    }
     roster_[r].last = numbers;
   }
   for (const GoalEvent& goal : goals) {
@@ -137,8 +141,9 @@ void RecordingWriter::write(const Scene& scene, const GameState& game,
 void RecordingWriter::flush() {
   const auto size = static_cast<unsigned>(buffer_.size());
   if (size > 0 &&
-      gzwrite(static_cast<gzFile>(file_), buffer_.data(), size) != static_cast<int>(size))
+      gzwrite(static_cast<gzFile>(file_), buffer_.data(), size) != static_cast<int>(size)) {
     good_ = false;
+  }
   buffer_.clear();
 }
 

@@ -37,9 +37,10 @@ std::optional<int> chargingCulprit(const ChargingPlayer& first, const ChargingPl
 
   const bool ballNear =
       ballDistance[0] <= kChargingBallDistance || ballDistance[1] <= kChargingBallDistance;
-  for (std::size_t i = 0; i < 2; ++i)
+  for (std::size_t i = 0; i < 2; ++i) {
     suspect[i] = !ballNear || (toBall[i] >= toOpponent[i] && toBall[i] >= kChargingBallAngle &&
                                speed[i] >= kChargingSpeed);
+  }
   if (!suspect[0] && !suspect[1] &&
       std::abs(ballDistance[0] - ballDistance[1]) > kChargingDistanceMargin) {
     const std::size_t farther = ballDistance[0] > ballDistance[1] ? 0 : 1;

@@ -37,8 +37,9 @@ void Fouls::beginCycle(std::span<const Touch> touches, float time) {
 // The members of both teams that are not being lifted, as they stand now.
 std::vector<RobotView> Fouls::freePlayers() {
   std::vector<RobotView> players;
-  for (const RobotView& robot : world_.robots())
+  for (const RobotView& robot : world_.robots()) {
     if (robot.side != Side::None && !players_[robot.handle].penalised) players.push_back(robot);
+  }
   return players;
 }
 
@@ -74,8 +75,9 @@ void Fouls::checkCharging(float time) {
   });
   const std::vector<RobotView> players = freePlayers();
   const auto find = [&players](RobotHandle robot) -> const RobotView* {
-    for (const RobotView& player : players)
+    for (const RobotView& player : players) {
       if (player.handle == robot) return &player;
+    }
     return nullptr;
   };
   std::vector<Pair> pairs;
@@ -99,8 +101,9 @@ void Fouls::checkCharging(float time) {
     const bool lifted =
         players_[pair.left->handle].penalised || players_[pair.right->handle].penalised;
     if (lifted) continue;
-    if (!chargingFoul(*pair.left, *pair.right, pair.sum / pair.count, time))
+    if (!chargingFoul(*pair.left, *pair.right, pair.sum / pair.count, time)) {
       noteContact(pair.left->handle, pair.right->handle, time);
+    }
   }
 }
 
@@ -155,8 +158,9 @@ void Fouls::checkSelfCollision(float time) {
     // Who is being lifted is not looked at, but what was frozen before thaws in time.
     const LimbSet colliding =
         player.penalised ? LimbSet{} : collidingLimbs(world_.colliders(robot.handle));
-    if (player.limbs.update(colliding, time, robot.handle, world_))
+    if (player.limbs.update(colliding, time, robot.handle, world_)) {
       whistle(robot, FoulType::SelfCollision, true);
+    }
   }
 }
 
@@ -175,12 +179,14 @@ void Fouls::checkPlayers(float time) {
       placement_.put(robot, {outside.x(), outside.y(), place.z()}, true, time);
       present = freePlayers();
     }
-    if (players_[robot.handle].posture.incapable(robot.number == kGoalieNumber))
+    if (players_[robot.handle].posture.incapable(robot.number == kGoalieNumber)) {
       penalise(robot, FoulType::Incapable, time);
+    }
   }
   std::vector<RobotHandle> lifted;
-  for (const RobotView& robot : world_.robots())
+  for (const RobotView& robot : world_.robots()) {
     if (players_[robot.handle].penalised) lifted.push_back(robot.handle);
+  }
   for (const RobotHandle robot : lifted) carryOut(robot, time);
 }
 

@@ -15,12 +15,14 @@ std::optional<Side> KickRestrictions::observe(std::span<const Touch> touches,
   bool another = false;
   for (const Touch& touch : touches) {
     if (kickOffSide_ != Side::None &&
-        (touch.side != kickOffSide_ || ball.norm() > kFreeKickDistance))
+        (touch.side != kickOffSide_ || ball.norm() > kFreeKickDistance)) {
       kickOffSide_ = Side::None;
-    if (touch.robot != taker_.robot)
+    }
+    if (touch.robot != taker_.robot) {
       another = true;
-    else if (touch.time - taker_.time > kKickContact)
+    } else if (touch.time - taker_.time > kKickContact) {
       takerAgain = true;
+    }
   }
   if (taker_.robot == kNoRobot) return std::nullopt;
   const Side offender = taker_.side;

@@ -17,10 +17,11 @@ void OwnAreaWatch::update(std::span<const RobotView> players) {
   entered_.keep(players);
   for (const RobotView& player : players) {
     long& rank = entered_[player.handle];
-    if (!inOwnArea(player))
+    if (!inOwnArea(player)) {
       rank = 0;
-    else if (rank == 0)
+    } else if (rank == 0) {
       rank = ++lastRank_;
+    }
   }
 }
 

@@ -15,14 +15,16 @@ class PerRobot {
  public:
   // The value of the robot; a default one is made at the first call.
   T& operator[](RobotHandle robot) {
-    for (Entry& entry : entries_)
+    for (Entry& entry : entries_) {
       if (entry.robot == robot) return entry.value;
+    }
     return entries_.emplace_back(Entry{robot, T()}).value;
   }
   // The value of the robot, or a default one.
   T get(RobotHandle robot) const {
-    for (const Entry& entry : entries_)
+    for (const Entry& entry : entries_) {
       if (entry.robot == robot) return entry.value;
+    }
     return T();
   }
   // Forgets all robots that are not in `present`.

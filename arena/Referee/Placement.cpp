@@ -49,15 +49,17 @@ Eigen::AlignedBox3d Placement::bounds(const RobotView& robot) const {
     box.extend(Eigen::Vector3d(pose.translation() + reach));
   };
   extend(robot.torso, {kBodyHalfWidth, kBodyHalfWidth, 0.0});
-  for (const ColliderView& collider : world_.colliders(robot.handle))
+  for (const ColliderView& collider : world_.colliders(robot.handle)) {
     extend(collider.pose, collider.halfSize);
+  }
   return box;
 }
 
 Eigen::AlignedBox2d Placement::centres(const RobotView& robot) const {
   Eigen::AlignedBox2d box(Eigen::Vector2d(robot.torso.translation().head<2>()));
-  for (const ColliderView& collider : world_.colliders(robot.handle))
+  for (const ColliderView& collider : world_.colliders(robot.handle)) {
     box.extend(Eigen::Vector2d(collider.pose.translation().head<2>()));
+  }
   return box;
 }
 
@@ -65,8 +67,9 @@ template <class Action>
 void Placement::forTeam(Side team, Action act) {
   const std::span<const RobotView> all = world_.robots();
   const std::vector<RobotView> robots(all.begin(), all.end());  // moving may renew the span
-  for (const RobotView& robot : robots)
+  for (const RobotView& robot : robots) {
     if (robot.side == team && !records_.get(robot.handle).held) act(robot);
+  }
 }
 
 void Placement::keepOutOfCircle(Side team, const Eigen::Vector2d& centre, double radius,
@@ -77,10 +80,11 @@ void Placement::keepOutOfCircle(Side team, const Eigen::Vector2d& centre, double
     if (bounds(robot).exteriorDistance(middle) >= radius) return;
     Eigen::Vector3d place = robot.torso.translation();
     const double x = centre.x() + sign * kMoveDistance;
-    if (sign * x > kHalfLength)
+    if (sign * x > kHalfLength) {
       place.y() = centre.y() + (centre.y() < 0 ? kMoveDistance : -kMoveDistance);
-    else
+    } else {
       place.x() = x;
+    }
     put(robot, place, true, time);
   });
 }
@@ -126,8 +130,9 @@ bool Placement::isSafe(const RobotView& robot, const Eigen::Vector3d& place,
                        bool awayFromBall) const {
   if (std::abs(place.x()) > kHalfLength && std::abs(place.y()) < kBehindGoalY) return false;
   if (awayFromBall &&
-      (place - world_.ball().position).head<2>().norm() < kPlaceBallDistance - kEdge)
+      (place - world_.ball().position).head<2>().norm() < kPlaceBallDistance - kEdge) {
     return false;
+  }
   int inArea = 0;
   const bool team = robot.side != Side::None;
   const Eigen::AlignedBox2d area = penaltyArea(team ? robot.side : Side::Left);
@@ -172,8 +177,9 @@ void Placement::put(const RobotView& robot, const Eigen::Vector3d& place, bool a
       found = at(cell);
       break;
     }
-    for (const Cell& step : {Cell{1, 0}, Cell{-1, 0}, Cell{0, 1}, Cell{0, -1}})
+    for (const Cell& step : {Cell{1, 0}, Cell{-1, 0}, Cell{0, 1}, Cell{0, -1}}) {
       discover({cell.first + step.first, cell.second + step.second});
+    }
   }
   const RobotHandle handle = robot.handle;
   world_.moveRobot(handle, found);

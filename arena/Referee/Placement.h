@@ -3,6 +3,7 @@
 
 #include <Eigen/Geometry>
 
+#include "Common/Units.h"
 #include "Referee/PerRobot.h"
 #include "Referee/RefereeWorld.h"
 

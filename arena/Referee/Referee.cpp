@@ -31,10 +31,11 @@ void Referee::step() {
   placement_.forgetGone();
   checkHalf();
   stepMode();
-  if (isPaused(game_.mode))
+  if (isPaused(game_.mode)) {
     fouls_.pause();
-  else
+  } else {
     fouls_.play(game_.time);
+  }
 }
 
 void Referee::checkHalf() {
@@ -191,10 +192,11 @@ void Referee::checkOut() {
     return;
   }
   const bool ownLine = ball.x() * ownGoalSign(toucher) > 0;
-  if (ownLine)
+  if (ownLine) {
     enter(modeOf(ModeKind::CornerKick, other), cornerPlace(other, ball.y()));
-  else
+  } else {
     enter(modeOf(ModeKind::GoalKick, other), goalKickPlace(other));
+  }
 }
 
 void Referee::stepGoal() {
@@ -214,17 +216,20 @@ void Referee::stepSetPlay() {
   if (ball_.touchedAfter(game_.modeStart + kSetPlayTouchAge)) {
     if (!rule.clearsPenaltyArea) return takeKick(rule.indirect);
     setPlay_.played = true;
-    if (!penaltyArea(kicking).contains(Eigen::Vector2d(ball.head<2>())))
+    if (!penaltyArea(kicking).contains(Eigen::Vector2d(ball.head<2>()))) {
       return takeKick(rule.indirect);
+    }
   }
   if (game_.modeAge() >= kSetPlayTimeOut) return dropBall();
 
-  if (rule.clearsPenaltyArea)
+  if (rule.clearsPenaltyArea) {
     placement_.keepOutOfRectangle(opponent(kicking), penaltyArea(kicking), game_.time);
-  else
+  } else {
     placement_.keepOutOfCircle(opponent(kicking), setPlay_.place, kFreeKickDistance, game_.time);
-  if (!setPlay_.arranged)
+  }
+  if (!setPlay_.arranged) {
     placement_.repel(kicking, setPlay_.place, kKickerDistance, 0.0, game_.time);
+  }
   setPlay_.arranged = true;
   if (!setPlay_.played) world_.setBall(onGround(setPlay_.place), Eigen::Vector3d::Zero());
 }
@@ -283,8 +288,9 @@ void Referee::dropBall() {
   Eigen::Vector2d place = freeKickPlace(world_.ball().position.head<2>());
   place.y() = std::clamp(place.y(), -kHalfWidth, kHalfWidth);
   world_.setBall(onGround(place), Eigen::Vector3d::Zero());
-  for (const Side side : kBothSides)
+  for (const Side side : kBothSides) {
     placement_.keepOutOfCircle(side, place, kFreeKickDistance, game_.time);
+  }
   clearRestrictions();
   setMode(PlayMode::PlayOn);
 }

@@ -25,8 +25,9 @@ bool isOver(float since, float time, float span) {
 
 bool mayCollide(Body first, Body second) {
   if (first > second) std::swap(first, second);
-  for (const auto& [one, other] : kNeighbours)
+  for (const auto& [one, other] : kNeighbours) {
     if (first == one && second == other) return false;
+  }
   return first != second;
 }
 
@@ -64,8 +65,9 @@ LimbSet collidingLimbs(std::span<const ColliderView> colliders) {
     for (std::size_t j = i + 1; j < colliders.size(); ++j) {
       if (!colliders[j].box || !mayCollide(colliders[i].body, colliders[j].body)) continue;
       if (!boxesOverlap(colliders[i], colliders[j], kSelfCollisionOverlap)) continue;
-      for (const Body body : {colliders[i].body, colliders[j].body})
+      for (const Body body : {colliders[i].body, colliders[j].body}) {
         if (const auto limb = limbOf(body)) limbs[static_cast<std::size_t>(*limb)] = true;
+      }
     }
   }
   return limbs;
@@ -91,8 +93,9 @@ bool LimbFreezer::update(const LimbSet& colliding, float time, RobotHandle robot
 }
 
 void LimbFreezer::release(RobotHandle robot, RefereeWorld& world) {
-  for (std::size_t i = 0; i < kLimbCount; ++i)
+  for (std::size_t i = 0; i < kLimbCount; ++i) {
     if (limbs_[i].phase == Phase::Frozen) world.setFrozen(robot, kAllLimbs[i], false);
+  }
   limbs_ = {};
 }
 

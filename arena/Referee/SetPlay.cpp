@@ -44,10 +44,12 @@ Eigen::Vector2d goalKickPlace(Side defending) {
 }
 
 Eigen::Vector2d freeKickPlace(const Eigen::Vector2d& ball) {
-  for (const Side side : kBothSides)
-    if (penaltyArea(side).contains(ball))
+  for (const Side side : kBothSides) {
+    if (penaltyArea(side).contains(ball)) {
       return {ownGoalSign(side) * (kHalfLength - kPenaltyLength),
               withSignOf(ball.y(), kPenaltyWidth / 2)};
+    }
+  }
   return ball;
 }
 

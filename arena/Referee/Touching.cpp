@@ -57,10 +57,11 @@ std::vector<TouchingGroups::Offence> TouchingGroups::update(std::span<const Robo
   std::vector<std::size_t> fresh;
   for (std::size_t i = 0; i < players.size(); ++i) {
     long& rank = joined_[players[i].handle];
-    if (!touching[i])
+    if (!touching[i]) {
       rank = 0;
-    else if (rank == 0)
+    } else if (rank == 0) {
       fresh.push_back(i);
+    }
   }
   random.shuffle(fresh);
   for (const std::size_t i : fresh) joined_[players[i].handle] = ++lastRank_;
@@ -68,8 +69,9 @@ std::vector<TouchingGroups::Offence> TouchingGroups::update(std::span<const Robo
   std::vector<Offence> offences;
   for (std::size_t root = 0; root < players.size(); ++root) {
     std::vector<std::size_t> members;
-    for (std::size_t i = 0; i < players.size(); ++i)
+    for (std::size_t i = 0; i < players.size(); ++i) {
       if (groups.of(i) == root) members.push_back(i);
+    }
     if (members.size() <= static_cast<std::size_t>(kMaxTouching)) continue;
     std::sort(members.begin(), members.end(), [&](std::size_t a, std::size_t b) {
       return joined_[players[a].handle] > joined_[players[b].handle];
@@ -85,8 +87,9 @@ std::vector<TouchingGroups::Offence> TouchingGroups::update(std::span<const Robo
     const auto culprit = std::find_if(members.begin(), members.end(), [&](std::size_t member) {
       return players[member].side == team && players[member].number != kGoalieNumber;
     });
-    if (culprit != members.end())
+    if (culprit != members.end()) {
       offences.push_back({players[*culprit].handle, sum / static_cast<double>(members.size())});
+    }
   }
   return offences;
 }

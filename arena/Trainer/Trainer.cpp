@@ -60,8 +60,9 @@ const Trainer::Entry Trainer::kCommands[] = {
 
 bool Trainer::receive(std::string_view frame) {
   expression_.read(frame);
-  for (const Node command : expression_)
+  for (const Node command : expression_) {
     if (command.name() == kStop) stopReceived_ = true;
+  }
   if (frames_.size() >= kMaxFrames || bytes_ + frame.size() > kMaxBytes) return false;
   frames_.emplace_back(frame);
   bytes_ += frame.size();
@@ -72,9 +73,11 @@ void Trainer::apply() {
   conditions_.keep(world_.robots());
   for (const std::string& frame : std::exchange(frames_, {})) {
     expression_.read(frame);
-    for (const Node command : expression_)
-      for (const Entry& entry : kCommands)
+    for (const Node command : expression_) {
+      for (const Entry& entry : kCommands) {
         if (command.name() == entry.name) (this->*entry.command)(command);
+      }
+    }
   }
   bytes_ = 0;
 }
@@ -96,10 +99,11 @@ RobotHandle Trainer::named(Node command, RobotHandle otherwise) const {
 
 void Trainer::kickOff(Node command) {
   const std::string_view name = command.child(1).text();
-  if (const auto side = sideByName(name))
+  if (const auto side = sideByName(name)) {
     referee_.kickOff(*side);
-  else if (name == "None")
+  } else if (name == "None") {
     referee_.kickOff(Side::None);
+  }
 }
 
 void Trainer::playMode(Node command) {
@@ -157,8 +161,9 @@ void Trainer::select(Node command) {
   }
   // The player after the selected one, in order of connection; the first one after the last.
   std::vector<RobotHandle> players;
-  for (const RobotView& robot : world_.robots())
+  for (const RobotView& robot : world_.robots()) {
     if (robot.side != Side::None) players.push_back(robot.handle);
+  }
   if (players.empty()) {
     selected_ = kNoRobot;
     return;
@@ -177,9 +182,11 @@ void Trainer::time(Node command) {
 void Trainer::score(Node command) {
   std::array<int, 2> score = referee_.game().score;
   const std::pair<Side, std::string_view> parts[] = {{Side::Left, "left"}, {Side::Right, "right"}};
-  for (const auto& [side, name] : parts)
-    if (const Node goals = command.find(name).child(1); goals && goals.isAtom())
+  for (const auto& [side, name] : parts) {
+    if (const Node goals = command.find(name).child(1); goals && goals.isAtom()) {
       score[index(side)] = std::max(goals.integer(), 0);
+    }
+  }
   referee_.setScore(score[0], score[1]);
 }
 

@@ -58,8 +58,9 @@ double SExpression::Node::number() const {
 int SExpression::Node::integer() const {
   const std::string_view atom = text();
   int value = 0;
-  if (std::from_chars(atom.data(), atom.data() + atom.size(), value).ec == std::errc())
+  if (std::from_chars(atom.data(), atom.data() + atom.size(), value).ec == std::errc()) {
     return value;
+  }
   const long long wide = std::strtoll(std::string(atom).c_str(), nullptr, 10);
   if (wide > INT_MAX) return INT_MAX;
   return wide < INT_MIN ? INT_MIN : static_cast<int>(wide);
@@ -80,14 +81,16 @@ std::size_t SExpression::Node::size() const {
 }
 
 SExpression::Node SExpression::Node::child(std::size_t position) const {
-  for (const Node node : *this)
+  for (const Node node : *this) {
     if (position-- == 0) return node;
+  }
   return {};
 }
 
 SExpression::Node SExpression::Node::find(std::string_view wanted) const {
-  for (const Node node : *this)
+  for (const Node node : *this) {
     if (node.isList() && node.name() == wanted) return node;
+  }
   return {};
 }
 
@@ -137,9 +140,10 @@ SExpression::Status SExpression::read(std::string_view frame) {
       }
     } else if (c == ')') {
       ++at;
-      if (depth > 0)
+      if (depth > 0) {
         items_[open[static_cast<std::size_t>(--depth)]].after =
             static_cast<std::uint32_t>(items_.size());
+      }
     } else {
       readAtom(at, depth > 0, status);
     }

@@ -55,7 +55,9 @@ watch_players() {
   done
 }
 
-# Robot types of the numbers 1 to 11: four of type 0 (the goalie among them), four of type 2, three
-# of type 4. A full team needs three types, at most seven robots of one type and nine of any two; the
-# gaits of Configs/ fit these three.
-team_types=(0 2 4 0 2 4 0 2 4 0 2)
+# Puts the types of the numbers 1 to 11 into `team_types`, indexed by number.
+team_types=()
+while read -r number type; do
+  case "$number" in '#'*|'') ;; *) team_types[number]=$type ;; esac
+done < "${BASH_SOURCE[0]%/*}/team-types"
+unset number type

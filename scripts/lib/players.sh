@@ -1,61 +1,102 @@
-# Functions for scripts that start players: sourced, not run. A player never ends by itself: when its
-# server closes the link it spins at full speed. Whoever starts players therefore watches and ends them.
+# shellcheck shell=sh
+# Functions for scripts that start players: sourced, not run, in plain POSIX sh, since the package of
+# the player carries this file too. Each player has a directory of its own, which holds Configs/; there
+# go its output.txt, its process number `pid` and what else it writes. A player never ends by itself:
+# when its server closes the link it spins at full speed. Whoever starts players therefore watches and
+# ends them.
+#
+# Lists of processes and directories are arguments and lines of output. What is not a result is local,
+# by a subshell as body.
 
-# True while a process holds a TCP link whose other end is there. After an orderly close the link waits
-# to be closed here too; after a reset it is not even listed any more.
-link_is_up() {
-  local pid=$1 inodes
-  inodes=$(readlink "/proc/$pid/fd/"* 2>/dev/null | sed -n 's/^socket:\[\([0-9]*\)\]$/\1/p' | tr '\n' ' ')
-  # Column 4 is the state of the link, 01 is ESTABLISHED; column 10 its inode.
-  awk -v inodes="$inodes" '
-    BEGIN { n = split(inodes, list, " "); for (i = 1; i <= n; i++) mine[list[i]] = 1 }
-    $4 == "01" && ($10 in mine) { up = 1 }
-    END { exit up ? 0 : 1 }' "/proc/$pid/net/tcp" 2>/dev/null
+# Prints the robot type of shirt number $1. REQUIRES `lib`, the directory of the file team-types.
+type_of() {
+  # shellcheck disable=SC2154  # set by whoever sources this
+  awk -v number="$1" '$1 == number { print $2 }' "$lib/team-types"
 }
 
+# Starts a player: $1 its directory, $2 the program (absolute), then its arguments. Puts its process
+# into `player_pid`.
+start_player() {
+  (cd "$1" && shift && exec "$@" < /dev/null > output.txt 2>&1) &
+  player_pid=$!
+  echo "$player_pid" > "$1/pid"
+}
+
+# Prints the processes that start_player has started in the given directories and that are still there;
+# $1 is the program, without symbolic links in its path. A number in a file counts only while that
+# program is behind it: numbers are used again.
+running_players() (
+  program=$1
+  shift
+  for directory in "$@"; do
+    read -r pid 2>/dev/null < "$directory/pid" || continue
+    case "$(readlink "/proc/$pid/exe")" in
+      "$program"|"$program (deleted)") echo "$pid" ;;  # deleted: built anew since
+    esac
+  done
+)
+
+# Prints those of the given processes that are there.
+living() (
+  for pid in "$@"; do
+    if kill -0 "$pid" 2>/dev/null; then echo "$pid"; fi
+  done
+)
+
 # Ends processes that are still there: kindly, then for certain.
-end_players() {
-  local pid alive=()
-  for pid in "$@"; do kill "$pid" 2>/dev/null && alive+=("$pid"); done
-  [ ${#alive[@]} -gt 0 ] || return 0
-  for _ in 1 2 3 4 5 6 7 8 9 10; do
-    local left=()
-    for pid in "${alive[@]}"; do kill -0 "$pid" 2>/dev/null && left+=("$pid"); done
-    [ ${#left[@]} -gt 0 ] || return 0
-    alive=("${left[@]}")
+# shellcheck disable=SC2046  # lists of numbers
+end_players() (
+  for pid in "$@"; do kill "$pid" 2>/dev/null || true; done
+  tenths=0
+  while set -- $(living "$@") && [ $# -gt 0 ]; do
+    if [ "$tenths" -eq 10 ]; then
+      kill -KILL "$@" 2>/dev/null || true
+      return 0
+    fi
+    tenths=$((tenths + 1))
     sleep 0.1
   done
-  for pid in "${alive[@]}"; do kill -KILL "$pid" 2>/dev/null || true; done
+)
+
+# Prints the number of a process's socket as the system's table of links has it; nothing without one.
+socket_of() {
+  readlink "/proc/$1/fd/"* | sed -n '/^socket:\[\([0-9]*\)\]$/{s//\1/p;q;}' || true
+}
+
+# Prints the sockets of all TCP links whose other end is there, each between blanks. After an orderly
+# close a link waits to be closed here too; after a reset it is not even listed any more.
+links_that_are_up() {
+  # Column 4 is the state of the link, 01 is ESTABLISHED; column 10 the number of its socket.
+  awk 'BEGIN { printf " " } $4 == "01" { printf "%s ", $10 }' /proc/net/tcp
 }
 
 # Waits until all given players have ended, ending those whose server has gone: those that have lost
-# their link, or that have had none for 15 seconds.
-watch_players() {
-  local pid left=("$@")
-  local -A rounds_without=() had_link=()
-  while [ ${#left[@]} -gt 0 ]; do
-    local still=() gone=()
-    for pid in "${left[@]}"; do
+# their link, or that have had none for 15 seconds. Looks twice a second, and cheaply: a match goes on
+# beside it.
+watch_players() (
+  entries=''  # of each player its process, the looks without a link that it has left, and its socket
+  for pid in "$@"; do entries="$entries $pid:30:"; done
+  while [ -n "$entries" ]; do
+    up=$(links_that_are_up)
+    left='' gone=''
+    for entry in $entries; do
+      pid=${entry%%:*} socket=${entry##*:}
+      looks=${entry#*:} looks=${looks%:*}
       kill -0 "$pid" 2>/dev/null || continue
-      if link_is_up "$pid"; then
-        had_link[$pid]=1
-        rounds_without[$pid]=0
+      [ -n "$socket" ] || socket=$(socket_of "$pid")
+      case "$up" in
+        *" ${socket:-none} "*) looks=1 ;;
+        *) looks=$((looks - 1)) ;;
+      esac
+      if [ "$looks" -gt 0 ]; then
+        left="$left $pid:$looks:$socket"
       else
-        rounds_without[$pid]=$((${rounds_without[$pid]:-0} + 1))
-      fi
-      if [ "${rounds_without[$pid]}" -ge "${had_link[$pid]:-30}" ]; then
-        gone+=("$pid")
-      else
-        still+=("$pid")
+        gone="$gone $pid"
       fi
     done
-    end_players "${gone[@]+"${gone[@]}"}"
-    left=("${still[@]+"${still[@]}"}")
-    [ ${#left[@]} -eq 0 ] || sleep 0.5
+    # shellcheck disable=SC2086  # a list of numbers
+    end_players $gone
+    entries=$left
+    [ -z "$entries" ] || sleep 0.5
   done
-}
-
-# Robot types of the numbers 1 to 11: four of type 0 (the goalie among them), four of type 2, three
-# of type 4. A full team needs three types, at most seven robots of one type and nine of any two; the
-# gaits of Configs/ fit these three.
-team_types=(0 2 4 0 2 4 0 2 4 0 2)
+)

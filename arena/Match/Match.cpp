@@ -3,19 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <unordered_map>
 
 #include "Common/Pitch.h"
 #include "Common/Units.h"
 #include "Percepts/BodyPercepts.h"
-#include "Percepts/PerceptText.h"
+#include "Percepts/GamePercept.h"
 #include "Physics/Constants.h"
 
 namespace arena {
 namespace {
 
-constexpr std::string_view kTypedScene = "rsg/agent/nao/nao_hetero.rsg";
-constexpr std::string_view kStandardScene = "rsg/agent/nao/nao.rsg";
 const Eigen::Vector3d kRefusedPlace{0.0, 0.0, 10.0};
 constexpr double kBeamPlaceNoise = 0.05;  // m, each axis
 constexpr double kBeamTurnNoise = 10.0;   // degrees
@@ -27,23 +24,6 @@ constexpr std::size_t kMaxWarningLength = 80;
 // World yaw of a player who faces the opponents' goal, degrees.
 double forwardYaw(Side side) {
   return side == Side::Left ? -90.0 : 90.0;
-}
-
-int jointIndex(const RobotModel& model, std::string_view effector) {
-  using Index = std::unordered_map<std::string_view, int>;
-  static const auto indices = [] {
-    std::array<Index, kRobotTypeCount> result;
-    for (int type = 0; type < kRobotTypeCount; ++type) {
-      const auto& joints = robotModel(type).joints;
-      for (std::size_t i = 0; i < joints.size(); ++i) {
-        result[type].emplace(joints[i].effector, static_cast<int>(i));
-      }
-    }
-    return result;
-  }();
-  const Index& index = indices[model.type];
-  const auto found = index.find(effector);
-  return found == index.end() ? -1 : found->second;
 }
 
 }  // namespace
@@ -115,85 +95,25 @@ void Match::warn(Agent& agent, std::string_view what) {
 void Match::receive(AgentId id, std::string_view frame) {
   Agent* agent = find(id);
   if (agent == nullptr || !agent->connected) return;
-  if (expression_.read(frame) != SExpression::Status::kComplete) {
-    warn(*agent, "message that is not a list of expressions");
-  }
   RobotBody* robot = robotOf(*agent);
-  for (const Node term : expression_) {
-    if (!agent->built) {
-      // Without a body it can only ask for one.
-      if (term.name() == "scene") readScene(*agent, term);
-    } else if (agent->sensing && robot != nullptr) {
-      readTerm(*agent, *robot, term);
-    }
+  if (agent->built && (!agent->sensing || robot == nullptr)) return;
+  const AgentMessage& message = messages_.read(frame, agent->built ? &robot->model() : nullptr);
+  for (const std::string& complaint : message.complaints) warn(*agent, complaint);
+  if (message.scene) {
+    agent->scene = message.scene;
+    if (!options_.realTime) agent->cycles = 1;
   }
+  if (message.init) agent->init = message.init;
+  if (message.beam) agent->beam = message.beam;
+  if (message.pass) agent->pass = true;
+  for (const auto& [joint, speed] : message.speeds) robot->setJointSpeed(joint, speed);
+  for (const std::string& text : message.says) say(*agent, text);
 }
 
-void Match::readTerm(Agent& agent, RobotBody& robot, Node term) {
-  const std::string_view name = term.name();
-  const int joint = jointIndex(robot.model(), name);
-  if (joint >= 0) {
-    const Node speed = term.child(1);
-    if (speed && speed.isAtom()) robot.setJointSpeed(joint, speed.number());
-    return;
-  }
-  if (name == "syn" || name == "scene") return;
-  if (name == "init") {
-    readInit(agent, term);
-  } else if (name == "beam") {
-    readBeam(agent, term);
-  } else if (name == "say") {
-    readSay(agent, term);
-  } else if (name == "pass") {
-    agent.pass = true;
-  } else {
-    warn(agent, "unknown effector " + std::string(name.substr(0, kMaxWarningLength)));
-  }
-}
-
-void Match::readScene(Agent& agent, Node term) {
-  const std::string_view file = term.child(1).text();
-  if (file == kStandardScene) {
-    agent.scene = 0;
-  } else if (file == kTypedScene) {
-    const int type = term.child(2).integer();
-    if (type >= 0 && type < kRobotTypeCount) {
-      agent.scene = type;
-    } else {
-      warn(agent, "scene with an unknown robot type");
-    }
-  } else {
-    warn(agent, "unknown scene " + std::string(file.substr(0, kMaxWarningLength)));
-  }
-  if (!options_.realTime) agent.cycles = 1;
-}
-
-void Match::readInit(Agent& agent, Node term) {
-  const Node team = term.find("teamname");
-  if (!team) return;
-  if (!SExpression::isPlainAtom(team.child(1).text())) {
-    warn(agent, "init with a team name that cannot be repeated in percepts");
-    return;
-  }
-  agent.init = Init{term.find("unum").child(1).integer(), std::string(team.child(1).text())};
-}
-
-void Match::readBeam(Agent& agent, Node term) {
-  const Beam beam{term.child(1).number(), term.child(2).number(), term.child(3).number()};
-  if (std::isfinite(beam.x) && std::isfinite(beam.y) && std::isfinite(beam.turn)) {
-    agent.beam = beam;
-  } else {
-    warn(agent, "beam to a place that is not finite");
-  }
-}
-
-void Match::readSay(Agent& agent, Node term) {
-  const std::string_view text = term.child(1).text();
-  if (agent.side == Side::None || term.size() != 2 || !isSpeakable(text)) return;
+void Match::say(Agent& agent, const std::string& text) {
   // One voice is heard once per cycle.
-  if (agent.hearing.spoke()) return;
-  const Utterance utterance{agent.id, agent.side, robotOf(agent)->torsoPose().translation(),
-                            std::string(text)};
+  if (agent.side == Side::None || agent.hearing.spoke()) return;
+  const Utterance utterance{agent.id, agent.side, robotOf(agent)->torsoPose().translation(), text};
   for (const auto& hearer : agents_) {
     const RobotBody* robot = robotOf(*hearer);
     if (robot == nullptr) continue;
@@ -245,7 +165,7 @@ void Match::admitPlayers() {
 // A player who asks again is moved like a new one: to the next start place with a new number, while
 // the old number stays taken, or, refused, to where the refused fall.
 void Match::admit(Agent& agent) {
-  const Init init = *agent.init;
+  const AgentMessage::Init init = *agent.init;
   agent.init.reset();
   if (agent.side != Side::None) warn(agent, "init of a player that has its place");
   const auto player = roster_.admit(init.team, init.number, *agent.scene);
@@ -287,7 +207,7 @@ void Match::carryOutActions() {
 
 void Match::carryOutBeam(Agent& agent) {
   if (agent.side == Side::None || !referee_.beamAllowed() || robotOf(agent) == nullptr) return;
-  Beam beam = *agent.beam;
+  AgentMessage::Beam beam = *agent.beam;
   if (options_.noise) {
     beam.x += agent.beamNoise.uniform(-kBeamPlaceNoise, kBeamPlaceNoise);
     beam.y += agent.beamNoise.uniform(-kBeamPlaceNoise, kBeamPlaceNoise);
@@ -329,26 +249,6 @@ std::array<std::string, 2> Match::teamNames() const {
   return {roster_.teamName(Side::Left), roster_.teamName(Side::Right)};
 }
 
-void Match::writeGameState(Agent& agent, std::string& text) {
-  const GameState& game = referee_.game();
-  text += "(GS ";
-  if (agent.announce) {
-    text += "(unum ";
-    appendInteger(text, agent.number);
-    text += agent.side == Side::Left ? ") (team left) " : ") (team right) ";
-    agent.announce = false;
-  }
-  text += "(sl ";
-  appendInteger(text, game.score[0]);
-  text += ") (sr ";
-  appendInteger(text, game.score[1]);
-  text += ") (t ";
-  appendReal(text, game.time);
-  text += ") (pm ";
-  text += nameOf(game.mode);
-  text += "))";
-}
-
 void Match::makePercepts() {
   const std::array<std::string, 2> names = teamNames();
   const double gameTime = referee_.game().time;
@@ -359,10 +259,10 @@ void Match::makePercepts() {
     agent->calls = {agent->hearing.spoke(), agent->hearing.heard()};
     std::string& text = agent->percept;
     text.clear();
-    text += "(time (now ";
-    appendReal(text, time_);
-    text += "))";
-    writeGameState(*agent, text);
+    writeTime(time_, text);
+    const Shirt shirt{agent->side, agent->number};
+    writeGameState(referee_.game(), agent->announce ? &shirt : nullptr, text);
+    agent->announce = false;
     agent->hearing.write(names, gameTime, text);
     writeTorsoSensors(*robot, text);
     writeJoints(*robot, 0, kHeadJoints, text);

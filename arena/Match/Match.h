@@ -12,13 +12,13 @@
 
 #include "Common/Random.h"
 #include "Common/Scene.h"
+#include "Match/AgentMessages.h"
 #include "Match/MatchWorld.h"
 #include "Match/Roster.h"
 #include "Percepts/Hearing.h"
 #include "Percepts/Vision.h"
 #include "Referee/Referee.h"
 #include "Trainer/Trainer.h"
-#include "Wire/SExpression.h"
 
 namespace arena {
 
@@ -58,7 +58,7 @@ class Match {
   // a whole cycle, which is when the first percept is made. Unknown agents: no effect.
   void receive(AgentId agent, std::string_view frame);
 
-  // What the agent said and heard in the last cycle; the own voice does not count as heard.
+  // What the agent said and heard in the last cycle; its own voice does not count as heard.
   struct Calls {
     bool said = false;
     int heard = 0;
@@ -89,17 +89,6 @@ class Match {
   const Scene& scene() const { return scene_; }
 
  private:
-  using Node = SExpression::Node;
-
-  struct Init {
-    int number = 0;
-    std::string team;
-  };
-  struct Beam {
-    double x = 0.0;  // m, the team's coordinates
-    double y = 0.0;
-    double turn = 0.0;  // degrees
-  };
   struct Agent {
     Agent(AgentId agentId, Vision eyes, Random noise)
         : id(agentId), vision(std::move(eyes)), beamNoise(noise) {}
@@ -109,8 +98,8 @@ class Match {
     std::optional<int> scene;  // robot type asked for
     bool built = false;
     bool sensing = false;  // from the cycle after the building: percepts are made, effectors work
-    std::optional<Init> init;
-    std::optional<Beam> beam;
+    std::optional<AgentMessage::Init> init;
+    std::optional<AgentMessage::Beam> beam;
     bool pass = false;
 
     Side side = Side::None;
@@ -129,11 +118,7 @@ class Match {
   const Agent* find(AgentId id) const;
   RobotBody* robotOf(const Agent& agent) { return world_.physics().robot(agent.id); }
 
-  void readScene(Agent& agent, Node term);
-  void readInit(Agent& agent, Node term);
-  void readBeam(Agent& agent, Node term);
-  void readSay(Agent& agent, Node term);
-  void readTerm(Agent& agent, RobotBody& robot, Node term);
+  void say(Agent& agent, const std::string& text);
   void warn(Agent& agent, std::string_view what);
 
   void buildRobots();
@@ -145,7 +130,6 @@ class Match {
   void changeSides();
   void removeDisconnected();
   void makePercepts();
-  void writeGameState(Agent& agent, std::string& text);
   std::array<std::string, 2> teamNames() const;
 
   MatchOptions options_;
@@ -155,7 +139,7 @@ class Match {
   Roster roster_;
   std::vector<std::unique_ptr<Agent>> agents_;
   AgentId nextId_ = 1;
-  SExpression expression_;
+  AgentMessages messages_;
   Scene scene_;
   bool sidesChanged_ = false;
   float time_ = 0.0f;  // single precision, like the game's clock

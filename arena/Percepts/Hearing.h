@@ -23,8 +23,8 @@ struct Utterance {
 // Whether it may be said: 1 to 20 characters from '!' to '~' without round brackets.
 bool isSpeakable(std::string_view text);
 
-// The ears of one agent: takes in at most one message of the own team and one of the opponents
-// every second cycle. Of several in one cycle the first one counts. The own voice is always heard.
+// The ears of one agent: takes in at most one message of its own team and one of the opponents
+// every second cycle. Of several in one cycle the first one counts. Its own voice is always heard.
 class Hearing {
  public:
   // Forgets the last cycle's messages and recovers. To be called once per cycle, before hear() of
@@ -35,7 +35,7 @@ class Hearing {
   void hear(const Utterance& utterance, int self, Side side, const Eigen::Vector3d& place);
   // The teams change sides: what has been heard in this cycle keeps its speaker's team.
   void changeSides();
-  // Whether the own voice is heard in this cycle.
+  // Whether its own voice is heard in this cycle.
   bool spoke() const { return own_.has_value(); }
   // Messages of others that are heard in this cycle.
   int heard() const { return (mates_.message ? 1 : 0) + (opponents_.message ? 1 : 0); }

@@ -20,7 +20,7 @@ class KickRestrictions {
   void clear() { *this = KickRestrictions(); }
 
   // A set play has been taken by this touch. An indirect kick must not go straight into the
-  // opponents' goal, no kick into the own one.
+  // opponents' goal, no kick into one's own.
   void take(const Touch& taker, bool indirect);
   // The kick-off team cannot score until an opponent has touched the ball, or one of its own
   // players while the ball was more than 2 m from the middle of the pitch.

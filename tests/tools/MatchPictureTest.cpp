@@ -9,8 +9,8 @@
 #include <fstream>
 #include <string>
 
-#include "arena/Support/FakeWorld.h"
 #include "Recording/RecordingWriter.h"
+#include "arena/Support/FakeWorld.h"
 
 namespace arena {
 namespace {

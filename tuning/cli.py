@@ -58,6 +58,42 @@ def _parser() -> argparse.ArgumentParser:
     resume.add_argument("--generations", type=int, help="how many there shall be in all")
     _storage_options(resume)
     _worker_options(resume)
+
+    status = _command(commands, "status", _status, "list the studies, or tell how one of them stands")
+    status.add_argument("name", nargs="?", help="of the study")
+    _storage_options(status)
+
+    validate = _command(commands, "validate", _validate, "play shipped and best values with unused seeds again")
+    validate.add_argument("name", help="of the study")
+    validate.add_argument("--seeds", type=_positive, help="how many (default: as the task says)")
+    _storage_options(validate)
+    _worker_options(validate)
+
+    report = _command(commands, "report", _report, "write what a study has found to one HTML file")
+    report.add_argument("name", help="of the study")
+    report.add_argument("-o", "--output", type=Path, help="the file (default: report.html of the study)")
+    _storage_options(report)
+
+    apply = _command(commands, "apply", _apply, "take the values that a study has found over")
+    apply.add_argument("name", help="of the study")
+    apply.add_argument("--configs", type=Path, default=paths.CONFIGS, help="where to (Configs/)")
+    apply.add_argument("--force", action="store_true", help="even if they are not better")
+    apply.add_argument("--dry-run", action="store_true", help="only show what would change")
+    _storage_options(apply)
+
+    evaluate = _command(commands, "evaluate", _evaluate, "play a directory of values as a task says, without a search")
+    evaluate.add_argument("task", type=Path, help="the task file, or the name of one in tuning/tasks")
+    evaluate.add_argument("--configs", type=Path, default=paths.CONFIGS, help="the values (Configs/)")
+    evaluate.add_argument("--seeds", type=_positive, help="how many (default: as the task validates)")
+    evaluate.add_argument("--first-seed", type=int, help="the first of them (default: as the task validates)")
+    evaluate.add_argument("--json", action="store_true", help="every seed's figures as JSON")
+    _storage_options(evaluate)
+    _worker_options(evaluate)
+
+    worker = _command(commands, "worker", _worker, "join a Dask cluster with workers of this machine")
+    worker.add_argument("scheduler", help="tcp://HOST:8786")
+    worker.add_argument("--workers", type=_positive, default=os.cpu_count(), help="how many (one for each core)")
+    worker.add_argument("--programs", type=Path, help="directory of the built programs (build/release/bin)")
     return parser
 
 
@@ -122,6 +158,18 @@ def _workers(options: argparse.Namespace) -> Iterator:  # type: ignore[type-arg]
             yield workers
 
 
+def _task_path(path: Path) -> Path:
+    """A file, or the name of one that is shipped."""
+    shipped = paths.TASKS / f"{path.stem}.toml"
+    return shipped if not path.exists() and len(path.parts) == 1 and shipped.exists() else path
+
+
+def _open(options: argparse.Namespace):  # type: ignore[no-untyped-def]
+    from tuning.study import Study
+
+    return Study.load(options.name, _storage(options, options.name), options.studies / options.name)
+
+
 def _carry_on(options: argparse.Namespace, study, workers) -> int:  # type: ignore[no-untyped-def]
     from tuning.display import Display
 
@@ -160,9 +208,7 @@ def _run(options: argparse.Namespace) -> int:
     from tuning.study import Study
     from tuning.task import read_task
 
-    path = options.task
-    if not path.exists() and len(path.parts) == 1:
-        path = paths.TASKS / f"{path.stem}.toml"
+    path = _task_path(options.task)
     task = read_task(path, read_directory(options.configs))
     given = {n: getattr(options, n) for n in ("sampler", "seed", "generations", "population")}
     changed = {name: value for name, value in given.items() if value is not None}
@@ -178,11 +224,127 @@ def _run(options: argparse.Namespace) -> int:
 
 
 def _resume(options: argparse.Namespace) -> int:
-    from tuning.study import Study
-
-    study = Study.load(options.name, _storage(options, options.name), options.studies / options.name)
+    study = _open(options)
     options.study_name = options.name
     if options.generations is not None:
         study.extend(options.generations)
     with _workers(options) as workers:
         return _carry_on(options, study, workers)
+
+
+def _status(options: argparse.Namespace) -> int:
+    if options.name is None:
+        if options.storage:
+            raise TuneError("name a study of that storage")
+        names = sorted(path.parent.name for path in options.studies.glob("*/study.db"))
+        if not names:
+            print(f"no studies in {options.studies}")
+        for name in names:
+            options.name = name
+            print(_status_line(_open(options)))
+        return 0
+    study = _open(options)
+    print(_status_line(study))
+    from tuning.display import shown_score
+
+    for contender in sorted(study.beliefs, key=lambda c: -c.score):
+        print(f"  {shown_score(contender.score):>14}  {contender.label}")
+    if study.validation():
+        _tell_result(study)
+    return 0
+
+
+def _status_line(study) -> str:  # type: ignore[no-untyped-def]
+    from tuning.display import shown_score
+
+    task, trials = study.task, study.trials
+    done = sum(trial.state.is_finished() for trial in trials)
+    failed = sum(trial.state.name == "FAIL" for trial in trials)
+    planned = 1 + task.search.generations * task.search.population
+    scores = ", ".join(
+        f"{word} {shown_score(contender.score)}"
+        for word, contender in (("shipped", study.shipped), ("best", study.best))
+        if contender
+    )
+    state = "validated" if study.validation() else "not finished"
+    return f"{study.name}: {done} of {planned} trials, {failed} failed; {scores or 'nothing yet'}; {state}"
+
+
+def _validate(options: argparse.Namespace) -> int:
+    from tuning.display import Display
+
+    study = _open(options)
+    options.study_name = options.name
+    with _workers(options) as workers:
+        study.check_version(workers)
+        planned = 2 * (options.seeds or study.task.validation.seeds)
+        with Display(study.name, planned, workers.count, options.plain) as display:
+            study.validate(workers, display, options.seeds)
+    _tell_result(study)
+    return 0
+
+
+def _report(options: argparse.Namespace) -> int:
+    from tuning.report import write_report
+
+    output = options.output or options.studies / options.name / "report.html"
+    write_report(_open(options), output)
+    print(f"tune: the report is {output}")
+    return 0
+
+
+def _apply(options: argparse.Namespace) -> int:
+    from tuning.apply import apply, diff, found_values
+    from tuning.configs import read_directory
+
+    study = _open(options)
+    before = read_directory(options.configs)
+    print(diff(before, found_values(study, before)))
+    if options.dry_run:
+        return 0
+    changed = apply(study, options.configs, options.force)
+    for name in changed:
+        print(f"tune: wrote {options.configs / name}")
+    if not changed:
+        print(f"tune: {options.configs} has these values already")
+    return 0
+
+
+def _evaluate(options: argparse.Namespace) -> int:
+    import json
+
+    from tuning import seeds
+    from tuning.configs import read_directory
+    from tuning.display import Display
+    from tuning.study import evaluate_candidates, mean_and_half_width
+    from tuning.task import read_task
+
+    task = read_task(_task_path(options.task), read_directory(options.configs))
+    count = options.seeds or task.validation.seeds
+    first = task.validation.first if options.first_seed is None else options.first_seed
+    with _workers(options) as workers:
+        with Display("evaluate", count, workers.count, options.plain) as display:
+            outcome = evaluate_candidates(
+                task, workers, [task.base], range(first, first + count), display, str(options.task)
+            )[0]
+    if outcome.failures:
+        raise TuneError(f"{len(outcome.failures)} runs failed: {outcome.failures[0].failure}")
+    if options.json:
+        print(json.dumps(outcome.rows))
+        return 0
+    rows = list(outcome.rows.values())
+    for name, column in [("score", [task.score(row) for row in rows])] + [
+        (name, [row[name] for row in rows]) for name in rows[0]
+    ]:
+        mean, half = mean_and_half_width(column)
+        middle = sorted(column)[len(column) // 2]
+        print(f"{name:<24} {mean:10.3f} +- {half:<8.3f} median {middle:.3f}, {min(column):.3f} to {max(column):.3f}")
+    return 0
+
+
+def _worker(options: argparse.Namespace) -> int:
+    if options.programs:
+        os.environ[paths.PROGRAMS_VARIABLE] = str(options.programs.resolve())
+    paths.version()
+    words = ["dask-worker", options.scheduler, "--nthreads", "1", "--nworkers", str(options.workers)]
+    os.execvp(words[0], [*words, "--no-dashboard", "--local-directory", str(paths.STUDIES / "scratch")])

@@ -160,6 +160,14 @@ class Study:
     def attribute(self, name: str, default: Any = None) -> Any:
         return self._study.user_attrs.get(name, default)
 
+    def check_version(self, workers: Workers) -> None:
+        """Raises TuneError unless the workers have the programs with which the study was begun."""
+        if workers.version != self.version:
+            raise TuneError(
+                f"the study '{self.name}' was begun with other programs ({self.version}) than these"
+                f" ({workers.version}); results of two versions are not mixed: begin a new study"
+            )
+
     def extend(self, generations: int) -> None:
         """Another number of generations, for a study that goes on."""
         self.task = replace(self.task, search=replace(self.task.search, generations=generations))
@@ -169,11 +177,7 @@ class Study:
 
     def run(self, workers: Workers, watch: Watch) -> None:
         """Searches from where it stands to the end, then judges the best with the seeds of validation."""
-        if workers.version != self.version:
-            raise TuneError(
-                f"the study '{self.name}' was made with other programs ({self.version}) than these"
-                f" ({workers.version}); results of two versions are not mixed: begin a new study"
-            )
+        self.check_version(workers)
         self._begin(workers, watch)
         generations = self.task.search.generations
         for generation in range(1, generations + 1):

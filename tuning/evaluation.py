@@ -307,36 +307,119 @@ def _match(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
 def _motion(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     """One motion of the player's own code; the seed draws the error on its joints' speeds."""
     options = run.options
-    deployment = _deploy(run.configs, {options["number"]: options["type"]})
+    number = options["number"] or _usual_number(options["type"])
+    deployment = _deploy(run.configs, {number: options["type"]})
     arena = _start_arena(stage, run.seed, "--ground-truth")
     agents, trainers = _ports(stage)
-    directory = deployment / str(options["number"])
     command: list[str | Path] = [paths.programs() / "motion", options["motion"], "--csv"]
     command += ["--agent-port", str(agents), "--trainer-port", str(trainers)]
-    command += ["--seed", str(run.seed)]
-    for name in ("type", "number", "seconds", "lead", "angle", "speed", "noise"):
-        if name in options:
+    command += ["--seed", str(run.seed), "--number", str(number)]
+    for name in ("type", "seconds", "lead", "angle", "speed", "noise"):
+        if options.get(name) is not None:
             command += [f"--{name}", str(options[name])]
-    motion = stage.start("motion", command, directory)
-    stage.wait_for(motion, limit=300 + 20 * float(options["seconds"]))
+    motion = stage.start("motion", command, deployment / str(number))
+    stage.wait_for(motion, limit=300 + 20 * options["seconds"])
     if "silent, not waited for" in arena.output.read_text(errors="replace"):
         raise RunFailed("the motion was silent for too long")
-    lines = [line for line in motion.output.read_text().splitlines() if line.count(",") >= 5]
-    if len(lines) < 2:
+    lines = motion.output.read_text().splitlines()
+    heads = [at for at, line in enumerate(lines) if line.startswith("motion,")]
+    if not heads or heads[-1] + 1 >= len(lines):
         raise RunFailed("the motion told no figures")
-    row = dict(next(csv.DictReader(lines[-2:])))
-    return _motion_metrics(row), row
+    row = next(csv.DictReader(lines[heads[-1] : heads[-1] + 2]))
+    return _MEASURES[options["measure"]](row, options), row
 
 
-def _motion_metrics(row: dict[str, str]) -> Metrics:
-    """Every column that is a number."""
-    metrics = {}
-    for name, text in row.items():
-        try:
-            metrics[name] = float(text)
-        except (TypeError, ValueError):
-            continue
-    return metrics
+def _usual_number(kind: int) -> int:
+    """A field player of that robot type, so that the overlays of a number have a number to go by."""
+    return next((n for n, other in paths.team_types().items() if other == kind and n > 1), 2)
+
+
+def _seconds_to_end(row: dict[str, str]) -> tuple[float, float]:
+    """Whether the motion came to its end, and when, with the length of the run for never."""
+    cycles = int(row["cycles_to_end"])
+    return float(cycles >= 0), cycles * CYCLE if cycles >= 0 else float(row["seconds"])
+
+
+def _course(row: dict[str, str], options: dict[str, Any]) -> Metrics:
+    falls = {name: float(row[f"falls_{name}"]) for name in ("walking", "stopping", "starting")}
+    seconds, metres = float(row["seconds"]), float(row["metres"])
+    return {
+        "pace": metres / max(seconds, CYCLE),
+        "points": float(row["points"]),
+        "seconds": seconds,
+        "lost": float(row["way"]) - metres,
+        "falls": sum(falls.values()),
+        **{f"falls_{name}": count for name, count in falls.items()},
+    }
+
+
+def _turn(row: dict[str, str], options: dict[str, Any]) -> Metrics:
+    done, seconds = _seconds_to_end(row)
+    return {
+        "done": done,
+        "seconds": seconds,
+        "error": abs(float(row["turned"]) - options["angle"]),
+        "drift": float(row["distance"]),
+        "turn_rate": abs(float(row["turn_rate"])),
+        "falls": float(row["falls"]),
+        "ball_distance": float(row["ball_distance"]),
+    }
+
+
+# By motion: the column of its speed, and the sign of where it should go.
+_GAIT_WAYS = {
+    "side-left": ("left_speed", 1),
+    "side-right": ("left_speed", -1),
+    "omni-left": ("left_speed", 1),
+    "omni-right": ("left_speed", -1),
+    "omni-back": ("forward_speed", -1),
+    "backwalk": ("forward_speed", -1),
+    "forwalk": ("forward_speed", 1),
+    "omni": ("forward_speed", 1),
+    "omni-long": ("forward_speed", 1),
+}
+
+
+def _gait(row: dict[str, str], options: dict[str, Any]) -> Metrics:
+    along, sign = _GAIT_WAYS[options["motion"]]
+    across = "forward_speed" if along == "left_speed" else "left_speed"
+    return {
+        "speed": sign * float(row[along]),
+        "stray": abs(float(row[across])),
+        "turn_rate": abs(float(row["turn_rate"])),
+        "falls": float(row["falls"]),
+    }
+
+
+def _kick(row: dict[str, str], options: dict[str, Any]) -> Metrics:
+    distance = float(row["ball_distance"])
+    hit = distance > 1
+    return {
+        "hit": float(hit),
+        "distance": distance,
+        "direction": abs(float(row["ball_direction"])) if hit else 0.0,
+        "falls": float(row["falls"]),
+        "stands": float(float(row["end_tilt"]) < 30),
+    }
+
+
+def _get_up(row: dict[str, str], options: dict[str, Any]) -> Metrics:
+    done, seconds = _seconds_to_end(row)
+    return {
+        "stands": float(float(row["end_tilt"]) < 30),
+        "done": done,
+        "seconds": seconds,
+        "falls": float(row["falls"]),
+    }
+
+
+_MEASURES: dict[str, Callable[[dict[str, str], dict[str, Any]], Metrics]] = {
+    "course": _course,
+    "turn": _turn,
+    "gait": _gait,
+    "kick": _kick,
+    "get-up": _get_up,
+}
 
 
 _KINDS: dict[str, Callable[[Run, Stage], tuple[Metrics, dict[str, Any]]]] = {

@@ -1,7 +1,7 @@
 """The kinds of scenario that a task can name: their options, and the runs that they ask for."""
 
 from collections.abc import Callable
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 from typing import Any
 
 from tuning.configs import Configs
@@ -59,13 +59,84 @@ class Kind:
     metrics: tuple[str, ...]
     runs: str  # what carries a run out
     has_rivals: bool = False
+    fixed: dict[str, Any] = field(default_factory=dict)  # what its runs are told beside the options
 
 
 def _duration(seconds: int) -> Option:
     return Option(seconds, _number(1, 600), "seconds of game time")
 
 
+def _motion_kind(
+    text: str, measure: str, metrics: str, seconds: int, motions: tuple[str, ...], default: list[str],
+    more: dict[str, Option] | None = None, fixed: dict[str, Any] | None = None,
+) -> Kind:
+    """One of the player's motions, driven by the program `motion`."""
+    types = Option([0], _list_of(_whole(0, 4)), "robot types, each in a run of its own", each="type")
+    options = {
+        "types": types,
+        "number": Option(None, _whole(1, 11), "whose overlays hold; a usual one of the type unless given"),
+        "seconds": Option(seconds, _number(1, 600), "seconds of play"),
+        "noise": Option(0.01, _number(0, 1), "standard error of the joints' speeds, rad/s"),
+        **(more or {}),
+    }
+    if len(motions) > 1:
+        options["motions"] = Option(
+            default, _list_of(_one_of(*motions)), f"out of {', '.join(motions)}; each in a run of its own", each="motion"
+        )
+    else:
+        fixed = {**(fixed or {}), "motion": motions[0]}
+    return Kind(text, options, tuple(metrics.split()), "motion", fixed={**(fixed or {}), "measure": measure})
+
+
+def _angles(*default: float) -> dict[str, Option]:
+    return {
+        "angles": Option(
+            list(default), _list_of(_number(-180, 180)), "degrees, each in a run of its own", each="angle"
+        )
+    }
+
+
+def _speed(default: float) -> dict[str, Option]:
+    return {"speed": Option(default, _number(0, 2), "where the ramp of the gait stops; play on: 0.3")}
+
+
+_TURN_METRICS = "done seconds error drift turn_rate falls ball_distance"
+_GAIT_METRICS = "speed stray turn_rate falls"
+
 KINDS: dict[str, Kind] = {
+    "course": _motion_kind(
+        "walks to a row of drawn points with the long stride, with stops and starts",
+        "course", "pace points seconds lost falls falls_walking falls_stopping falls_starting",
+        90, ("course",), ["course"], _speed(0.3),
+    ),
+    "turn": _motion_kind(
+        "turns on the spot", "turn", _TURN_METRICS, 6, ("turn",), ["turn"],
+        _angles(60, 120, -60, -120), {"lead": 1.16},
+    ),
+    "circle": _motion_kind(
+        "turns around the ball", "turn", _TURN_METRICS, 8, ("around-ball",), ["around-ball"],
+        _angles(60, 120, -60, -120), {"lead": 1.16},
+    ),
+    "walk": _motion_kind(
+        "walks straight ahead", "gait", _GAIT_METRICS, 8, ("omni-long", "omni", "forwalk"), ["omni-long"],
+        _speed(0.3),
+    ),
+    "side": _motion_kind(
+        "walks sideways", "gait", _GAIT_METRICS, 8,
+        ("side-left", "side-right", "omni-left", "omni-right"),
+        ["side-left", "side-right", "omni-left", "omni-right"],
+    ),
+    "back": _motion_kind(
+        "walks backwards", "gait", _GAIT_METRICS, 8, ("omni-back", "backwalk"), ["omni-back"], _speed(0.8)
+    ),
+    "kick": _motion_kind(
+        "kicks a ball in front of the foot", "kick", "hit distance direction falls stands", 6,
+        ("kick-right", "kick-left", "kick-strong"), ["kick-right", "kick-left"],
+    ),
+    "get-up": _motion_kind(
+        "stands up from the front and from the back", "get-up", "stands done seconds falls", 6,
+        ("stand-up-front", "stand-up-back"), ["stand-up-front", "stand-up-back"],
+    ),
     "striker": Kind(
         "one player and an empty goal",
         {
@@ -137,6 +208,7 @@ class Scenario:
         kind = KINDS[self.kind]
         # The directory of the rivals went into `rivals`.
         common = {name: value for name, value in self.options.items() if name != "configs"}
+        common.update(kind.fixed)
         variants = [common]
         for name, option in kind.options.items():
             if option.each:

@@ -4,7 +4,7 @@ import argparse
 import os
 import re
 import sys
-from collections.abc import Iterator
+from collections.abc import Callable, Iterator
 from contextlib import contextmanager
 from pathlib import Path
 
@@ -14,17 +14,27 @@ from tuning.errors import TuneError
 
 def main(arguments: list[str] | None = None) -> int:
     options = _parser().parse_args(arguments)
+    return report_errors(lambda: options.command(options), "tune", lambda: _resume_hint(options))
+
+
+def report_errors(work: Callable[[], int], program: str, hint: Callable[[], str] = lambda: "") -> int:
+    """The status of `work`. What is no fault of the code ends in one line and status 1."""
     try:
-        return options.command(options)
+        return work()
     except TuneError as error:
-        print(f"tune: {error}", file=sys.stderr)
-        return 1
+        text = str(error)
     except KeyboardInterrupt:
-        print(f"tune: stopped{_resume_hint(options)}", file=sys.stderr)
+        print(f"{program}: stopped{hint()}", file=sys.stderr)
         return 130
     except OSError as error:
-        print(f"tune: {error}{_resume_hint(options)}", file=sys.stderr)
-        return 1
+        text = str(error)
+    except Exception as error:
+        # Storages throw whatever their database does.
+        if type(error).__module__.split(".")[0] not in ("sqlalchemy", "sqlite3", "optuna"):
+            raise
+        text = f"the storage fails: {(str(error).splitlines() or [type(error).__name__])[0]}"
+    print(f"{program}: {text}{hint()}", file=sys.stderr)
+    return 1
 
 
 def _resume_hint(options: argparse.Namespace) -> str:
@@ -52,12 +62,14 @@ def _parser() -> argparse.ArgumentParser:
     run.add_argument("--population", type=int, help="instead of the task's")
     _storage_options(run)
     _worker_options(run)
+    _plain_option(run)
 
     resume = _command(commands, "resume", _resume, "go on with a study that was stopped, or extend it")
     resume.add_argument("name", help="of the study")
     resume.add_argument("--generations", type=int, help="how many there shall be in all")
     _storage_options(resume)
     _worker_options(resume)
+    _plain_option(resume)
 
     status = _command(commands, "status", _status, "list the studies, or tell how one of them stands")
     status.add_argument("name", nargs="?", help="of the study")
@@ -68,6 +80,7 @@ def _parser() -> argparse.ArgumentParser:
     validate.add_argument("--seeds", type=_positive, help="how many (default: as the task says)")
     _storage_options(validate)
     _worker_options(validate)
+    _plain_option(validate)
 
     report = _command(commands, "report", _report, "write what a study has found to one HTML file")
     report.add_argument("name", help="of the study")
@@ -87,8 +100,8 @@ def _parser() -> argparse.ArgumentParser:
     evaluate.add_argument("--seeds", type=_positive, help="how many (default: as the task validates)")
     evaluate.add_argument("--first-seed", type=int, help="the first of them (default: as the task validates)")
     evaluate.add_argument("--json", action="store_true", help="every seed's figures as JSON")
-    _storage_options(evaluate)
-    _worker_options(evaluate)
+    add_worker_options(evaluate)
+    _plain_option(evaluate)
 
     worker = _command(commands, "worker", _worker, "join a Dask cluster with workers of this machine")
     worker.add_argument("scheduler", help="tcp://HOST:8786")
@@ -104,10 +117,20 @@ def _command(commands, name, function, text):  # type: ignore[no-untyped-def]
 
 
 def _storage_options(parser: argparse.ArgumentParser) -> None:
+    _studies_option(parser)
+    parser.add_argument("--storage", help="URL of an Optuna storage (default: an SQLite file of the study)")
+
+
+def _studies_option(parser: argparse.ArgumentParser) -> None:
     parser.add_argument(
         "--studies", type=Path, default=paths.STUDIES, help="directory of studies and results (studies/)"
     )
-    parser.add_argument("--storage", help="URL of an Optuna storage (default: an SQLite file of the study)")
+
+
+def add_worker_options(parser: argparse.ArgumentParser) -> None:
+    """For scripts that have runs carried out, but no study."""
+    _studies_option(parser)
+    _worker_options(parser)
 
 
 def _worker_options(parser: argparse.ArgumentParser) -> None:
@@ -117,6 +140,9 @@ def _worker_options(parser: argparse.ArgumentParser) -> None:
     parser.add_argument(
         "--programs", type=Path, help="directory of the built programs (build/release/bin), for workers here"
     )
+
+
+def _plain_option(parser: argparse.ArgumentParser) -> None:
     parser.add_argument("--plain", action="store_true", help="lines instead of a live display")
 
 
@@ -144,7 +170,7 @@ def _storage(options: argparse.Namespace, name: str, create: bool = False):  # t
 
 
 @contextmanager
-def _workers(options: argparse.Namespace) -> Iterator:  # type: ignore[type-arg]
+def open_workers(options: argparse.Namespace) -> Iterator:  # type: ignore[type-arg]
     from tuning.cluster import ResultStore, cluster_workers, local_workers
 
     if options.programs:
@@ -187,6 +213,21 @@ def _carry_on(options: argparse.Namespace, study, workers) -> int:  # type: igno
     return 0
 
 
+@contextmanager
+def _alone(options: argparse.Namespace, name: str) -> Iterator[None]:
+    """Refuses a second driver of a study on this machine. The lock ends with the process."""
+    import fcntl
+
+    path = options.studies / name / "lock"
+    path.parent.mkdir(parents=True, exist_ok=True)
+    with path.open("w") as file:
+        try:
+            fcntl.flock(file, fcntl.LOCK_EX | fcntl.LOCK_NB)
+        except OSError:
+            raise TuneError(f"the study '{name}' runs already, by another process") from None
+        yield
+
+
 def _tell_result(study) -> None:  # type: ignore[no-untyped-def]
     comparison = study.validation()
     shipped, best = comparison.scores()
@@ -217,7 +258,7 @@ def _run(options: argparse.Namespace) -> int:
     if not re.fullmatch(r"[\w.-]+", name):
         raise TuneError(f"a study's name holds letters, digits, '_', '-' and '.' only, not '{name}'")
     storage = _storage(options, name, create=True)
-    with _workers(options) as workers:
+    with _alone(options, name), open_workers(options) as workers:
         study = Study.create(name, task, workers.version, storage, options.studies / name)
         options.study_name = name
         return _carry_on(options, study, workers)
@@ -228,7 +269,7 @@ def _resume(options: argparse.Namespace) -> int:
     options.study_name = options.name
     if options.generations is not None:
         study.extend(options.generations)
-    with _workers(options) as workers:
+    with _alone(options, options.name), open_workers(options) as workers:
         return _carry_on(options, study, workers)
 
 
@@ -275,7 +316,7 @@ def _validate(options: argparse.Namespace) -> int:
 
     study = _open(options)
     options.study_name = options.name
-    with _workers(options) as workers:
+    with _alone(options, options.name), open_workers(options) as workers:
         study.check_version(workers)
         planned = 2 * (options.seeds or study.task.validation.seeds)
         with Display(study.name, planned, workers.count, options.plain) as display:
@@ -322,7 +363,7 @@ def _evaluate(options: argparse.Namespace) -> int:
     task = read_task(_task_path(options.task), read_directory(options.configs))
     count = options.seeds or task.validation.seeds
     first = task.validation.first if options.first_seed is None else options.first_seed
-    with _workers(options) as workers:
+    with open_workers(options) as workers:
         with Display("evaluate", count, workers.count, options.plain) as display:
             outcome = evaluate_candidates(
                 task, workers, [task.base], range(first, first + count), display, str(options.task)

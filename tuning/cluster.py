@@ -2,6 +2,7 @@
 on disk and never computed twice."""
 
 import json
+import logging
 import os
 import signal
 from collections.abc import Callable, Iterator, Sequence
@@ -29,6 +30,10 @@ _SETTINGS = {
     "distributed.scheduler.allowed-failures": _RETRIES,
     "distributed.comm.timeouts.connect": "20s",
 }
+
+# Losses are told by this module, in one line.
+for _name in ("distributed", "tornado", "asyncio"):
+    logging.getLogger(_name).setLevel(logging.CRITICAL)
 
 Progress = Callable[[Run, Result], None]
 

@@ -5,9 +5,11 @@ the driver's but the request.
 """
 
 import csv
+import errno
 import hashlib
 import json
 import math
+import os
 import random
 import re
 import shutil
@@ -32,6 +34,8 @@ _SILENCE = 60
 # Cycles until players are in their teams and know where they are; then a script may begin.
 _READY = 250
 _KEPT_DEPLOYMENTS = 16
+# With less room on the disk than this, bytes, a failure says nothing about the values.
+_LEAST_SPACE = 8 << 20
 
 Metrics = dict[str, float]
 
@@ -65,23 +69,31 @@ class Result:
 def evaluate(run: Run, details: bool = False) -> Result:
     """Carries a run out. A crash of its programs makes a failed result; other errors are raised."""
     version = paths.version()
-    began, cpu_began = time.monotonic(), time.process_time()
+    began, cpu_began = time.monotonic(), _own_seconds()
     with Stage(_workspace()) as stage:
         try:
             metrics, figures = _KINDS[run.kind](run, stage)
         except RunFailed as failure:
             stage.end()
+            if shutil.disk_usage(stage.directory).free < _LEAST_SPACE:
+                raise OSError(errno.ENOSPC, os.strerror(errno.ENOSPC), str(stage.directory)) from failure
             return Result({}, version, str(failure), stage.outputs())
         stage.end()
         seconds: dict[str, float] = {}
         for program in stage.programs:
             name = program.name.split("-")[0]
             seconds[name] = seconds.get(name, 0.0) + program.seconds
-        seconds["engine"] = time.process_time() - cpu_began
+        programs = sum(program.seconds for program in stage.programs)
+        seconds["engine"] = _own_seconds() - cpu_began - programs
         seconds["wall"] = time.monotonic() - began
     if not all(math.isfinite(value) for value in metrics.values()):
         return Result({}, version, f"a metric is no number: {metrics}")
     return Result(metrics, version, seconds=seconds, figures=figures if details else None)
+
+
+def _own_seconds() -> float:
+    """Processor time of this process and of all that it has waited for."""
+    return sum(os.times()[:4])
 
 
 # --- Directories -----------------------------------------------------------------------------------
@@ -147,6 +159,8 @@ def _play(stage: Stage, teams: list[_Team], run: Run, script: str = "") -> dict[
         options += ["--trainer-script", "script"]
     else:
         options += ["--auto-kick-off"]
+    if run.options.get("report"):
+        options += ["--report", "report.json"]
     arena = _start_arena(stage, run.seed, *options, "--record", "match.rec")
     port = _ports(stage)[0]
     links = 0
@@ -171,7 +185,10 @@ def _play(stage: Stage, teams: list[_Team], run: Run, script: str = "") -> dict[
     stage.wait_for(arena, limit=300 + duration * agents)
     if "silent, not waited for" in arena.output.read_text(errors="replace"):
         raise RunFailed("a player was silent for too long")
-    return _figures(stage)
+    figures = _figures(stage)
+    if run.options.get("report"):
+        figures["report"] = json.loads((stage.directory / "report.json").read_text(encoding="utf-8"))
+    return figures
 
 
 def _start_arena(stage: Stage, seed: int, *options: str | Path):  # type: ignore[no-untyped-def]
@@ -317,6 +334,8 @@ def _motion(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     for name in ("type", "seconds", "lead", "angle", "speed", "noise"):
         if options.get(name) is not None:
             command += [f"--{name}", str(options[name])]
+    if options.get("picture"):
+        command += ["--svg", str(stage.directory / "motion.svg")]
     motion = stage.start("motion", command, deployment / str(number))
     stage.wait_for(motion, limit=300 + 20 * options["seconds"])
     if "silent, not waited for" in arena.output.read_text(errors="replace"):
@@ -326,7 +345,10 @@ def _motion(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     if not heads or heads[-1] + 1 >= len(lines):
         raise RunFailed("the motion told no figures")
     row = next(csv.DictReader(lines[heads[-1] : heads[-1] + 2]))
-    return _MEASURES[options["measure"]](row, options), row
+    figures: dict[str, Any] = dict(row)
+    if options.get("picture"):
+        figures["picture"] = (stage.directory / "motion.svg").read_text(encoding="utf-8")
+    return _MEASURES[options["measure"]](row, options), figures
 
 
 def _usual_number(kind: int) -> int:
@@ -413,7 +435,13 @@ def _get_up(row: dict[str, str], options: dict[str, Any]) -> Metrics:
     }
 
 
+def _all(row: dict[str, str], options: dict[str, Any]) -> Metrics:
+    """Every column that is a number."""
+    return {name: float(text) for name, text in row.items() if name not in ("motion", "source")}
+
+
 _MEASURES: dict[str, Callable[[dict[str, str], dict[str, Any]], Metrics]] = {
+    "all": _all,
     "course": _course,
     "turn": _turn,
     "gait": _gait,

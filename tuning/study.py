@@ -103,6 +103,14 @@ def open_storage(url: str) -> optuna.storages.BaseStorage:
         raise TuneError(f"the storage {url} cannot be reached: {reason}") from None
 
 
+def _is_unfinished(name: str, storage: optuna.storages.BaseStorage) -> bool:
+    """Whether a driver was killed while it made the study."""
+    try:
+        return "version" not in optuna.load_study(study_name=name, storage=storage).user_attrs
+    except KeyError:
+        return False
+
+
 def configs_hash(configs: Configs) -> str:
     return hashlib.sha256(json.dumps(configs, sort_keys=True).encode()).hexdigest()[:16]
 
@@ -117,6 +125,8 @@ class Study:
 
     @classmethod
     def create(cls, name: str, task: Task, version: str, storage: optuna.storages.BaseStorage, directory: Path) -> "Study":
+        if _is_unfinished(name, storage):
+            optuna.delete_study(study_name=name, storage=storage)
         try:
             study = optuna.create_study(storage=storage, study_name=name, direction="maximize")
         except optuna.exceptions.DuplicatedStudyError:
@@ -128,7 +138,7 @@ class Study:
             "base_hash": configs_hash(task.base),
             "rivals": [scenario.rivals for scenario in task.scenarios],
             "search": asdict(task.search),
-            "version": version,
+            "version": version,  # the last one: with it the study is complete
         }
         for key, value in record.items():
             study.set_user_attr(key, value)
@@ -139,10 +149,12 @@ class Study:
         try:
             study = optuna.load_study(study_name=name, storage=storage)
             record = study.user_attrs
-            task = parse_task(record["task"], record["base"], directory, record["rivals"])
-            task = replace(task, search=type(task.search)(**record["search"]))
         except KeyError:
             raise TuneError(f"there is no study '{name}'; 'status' lists them") from None
+        if "version" not in record:
+            raise TuneError(f"the study '{name}' was stopped before it had begun; 'run' begins it anew")
+        task = parse_task(record["task"], record["base"], directory, record["rivals"])
+        task = replace(task, search=type(task.search)(**record["search"]))
         return cls(study, task, directory)
 
     @property

@@ -1,14 +1,17 @@
 #include "MatchFigures.h"
 
 #include <cmath>
+#include <limits>
 #include <nlohmann/json.hpp>
+
+#include "Common/Pitch.h"
+#include "Common/Units.h"
 
 namespace arena {
 namespace {
 
 using nlohmann::ordered_json;
 
-constexpr double kCycle = 0.02;  // s
 // A posture counts once it has lasted for half a second.
 constexpr int kPatience = 25;
 // z of the torso's up axis: below the first a robot is down, above the second it is up again.
@@ -21,8 +24,8 @@ constexpr double kRobotJump = 0.15;
 // Way is measured between places so many cycles apart: the torso sways with every step.
 constexpr int kPiece = 25;
 // The pitch and the margin around it, m.
-constexpr double kOutsideX = 15.0 + 1.0;
-constexpr double kOutsideY = 10.0 + 1.0;
+constexpr double kOutsideX = kHalfLength + 1.0;
+constexpr double kOutsideY = kHalfWidth + 1.0;
 constexpr double kNear = 1.0;  // m from the ball
 
 constexpr const char* kSideNames[] = {"left", "right", "none"};
@@ -98,7 +101,7 @@ void MatchFigures::observe(const RecordedCycle& cycle) {
   ++cycles_;
   time_ = cycle.time;
   score_ = cycle.score;
-  if (isOn(cycle.mode)) playSeconds_ += kCycle;
+  if (isOn(cycle.mode)) playSeconds_ += kStepSeconds;
   for (const GoalEvent& goal : cycle.goals) {
     goals_.push_back({goal.time, goal.side, goal.scorerSide, goal.scorer});
   }
@@ -148,13 +151,13 @@ void MatchFigures::watchRobot(const RecordedCycle& cycle, const RecordedRobot& r
   watchPosture(player, watch, up, cycle.mode);
   watchWay(player, watch, place);
   if (hasBegun(cycle.mode)) {
-    if (up < kDown) player.down += kCycle;
-    if (!watch.down && up > kUp) player.upright += kCycle;
+    if (up < kDown) player.down += kStepSeconds;
+    if (!watch.down && up > kUp) player.upright += kStepSeconds;
     const bool outside = std::abs(place.x()) > kOutsideX || std::abs(place.y()) > kOutsideY;
-    if (outside) player.outside += kCycle;
+    if (outside) player.outside += kStepSeconds;
   }
   if (isOn(cycle.mode) && (place - cycle.ball.translation().head<2>()).norm() < kNear) {
-    crowd_[index(robot.side)] += kCycle;
+    crowd_[index(robot.side)] += kStepSeconds;
   }
   if (placesEvery_ > 0 && cycle.time >= watch.nextSample) {
     player.places.push_back({cycle.time, place.x(), place.y(), up});

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <fstream>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -10,6 +11,7 @@
 #include "Net/ArenaServer.h"
 #include "Recording/MatchReport.h"
 #include "Recording/RecordingWriter.h"
+#include "Trainer/TrainerScript.h"
 
 namespace {
 
@@ -97,6 +99,14 @@ class Chronicle {
   std::string reportFile_;
 };
 
+// Throws std::runtime_error if the file cannot be read or understood.
+arena::TrainerScript readTrainerScript(const std::string& path) {
+  if (path.empty()) return {};
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error("cannot read the trainer script " + path);
+  return arena::TrainerScript(file);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -106,6 +116,7 @@ int main(int argc, char** argv) {
   bool quiet = false;
   std::string recording;
   std::string report;
+  std::string scriptFile;
 
   CLI::App app{
       "A practice pitch for robot soccer players, on simulated physics. Speaks the protocol of the "
@@ -147,6 +158,8 @@ int main(int argc, char** argv) {
   app.add_option("--record", recording, "write every cycle to this file, for match-picture");
   app.add_option("--report", report,
                  "at the end write score, goals and sums to this file, as JSON");
+  app.add_option("--trainer-script", scriptFile,
+                 "trainer commands for given cycles: lines CYCLE COMMANDS, counted from 1");
   app.add_flag("--quiet", quiet, "no progress line, no messages but errors");
   CLI11_PARSE(app, argc, argv);
 
@@ -158,12 +171,16 @@ int main(int argc, char** argv) {
     matchOptions.log = log;
     serverOptions.handleSignals = true;
     Chronicle chronicle(recording, report);
+    arena::TrainerScript script = readTrainerScript(scriptFile);
+    long cycles = 0;
     arena::Match match(matchOptions);
     arena::ArenaServer server(match, serverOptions, log);
     log("agents at port " + std::to_string(server.agentPort()) + ", monitors at port " +
         std::to_string(server.monitorPort()));
+    script.beforeCycle(cycles, match.trainer());
     server.setObserver([&](const arena::ArenaServer::CycleReport& cycle) {
       chronicle.cycle(match, cycle);
+      script.beforeCycle(++cycles, match.trainer());
       progress.cycle(match);
     });
     server.run();

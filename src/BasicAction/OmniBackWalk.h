@@ -12,7 +12,8 @@
 /// All steps have negative gain, the legs are chosen in reverse, and a pair turns by its angle from
 /// straight behind. Frame and units as in OmniWalk.
 ///
-/// Reads: the configuration files backWalk and omniBackWalk, on every call; own position and
+/// Reads: the configuration file backWalk, on every call, and omniBackWalk at the decision for a
+/// turning pair, in the opening step and in the first phase of an unwinding step; own position and
 /// heading in the world model. Provides: targets of both legs.
 class OmniBackWalk : public BasicAction {
  public:

@@ -17,8 +17,9 @@
 ///
 /// Frame and units as in ForWalk; the target is in metres in the pitch frame.
 ///
-/// Reads: the configuration files omniWalk and (one value set without effect) forWalk, on every
-/// call; own position and heading in the world model. Provides: targets of both legs.
+/// Reads: the configuration file omniWalk, on every call, and forWalk at the decision for a
+/// straight pair (without effect); own position and heading in the world model. Provides: targets
+/// of both legs.
 class OmniWalk : public BasicAction {
  public:
   /// One cycle of the gait; true only in the cycle that chose an unwinding step to come next: as a

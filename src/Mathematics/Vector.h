@@ -87,8 +87,8 @@ class Vector {
   /// same for y and for -y. 0 if the projection is a point.
   float getPhi() const;
 
-  /// `b.getPhi() - getPhi()`, radians; as unsigned as `getPhi()` is.
-  float getAngleTo(Vector b) const { return b.getPhi() - getPhi(); }
+  /// `getPhi()` of the way from this point to `b`, radians, 0 to pi; as unsigned as `getPhi()` is.
+  float getAngleTo(Vector b) const { return (b - *this).getPhi(); }
 
   float dot(Vector b) const { return x * b.x + y * b.y + z * b.z; }
 

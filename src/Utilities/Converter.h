@@ -20,8 +20,8 @@ class Converter {
 /// The server's word for each `PlayMode`, indexed by it.
 extern const char* const PlayModeNames[18];
 
-/// Names of the sides. The first row is "our", so that the index is one off from `TeamSide`:
-/// required as it stands, see `getSideStr`.
+/// Names of the sides. The first row is "our", so that the index is one off from `TeamSide`. The
+/// rows are public and told by their number: taking "our" out would rename those behind it.
 extern const char* const SideNames[4];
 
 /// The server's word for `mode`. REQUIRES a mode of the enumeration.

@@ -84,7 +84,7 @@ enum FallOrientation {
 /// NORTH is no slip of the pen: the code that reads these directions is written against it.
 enum Orientation { SOUTH = 0, WEST = 1, NORTH = 2, EAST = 3, UNKNOWN = 4 };
 
-/// How a seen field line runs in the image.
+/// How a seen field line runs in the pitch-parallel frame: along the x axis, along y, or neither.
 enum LineSlopeType { LINE_HORIZONTAL = 0, LINE_VERTICAL = 1, LINE_NONE = 2 };
 
 /// The force resistance sensors under the feet.

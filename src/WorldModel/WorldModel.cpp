@@ -19,10 +19,6 @@ constexpr double kMaxError = 4.0;
 // The height of the torso centre above the ground that every estimate is given, metres.
 constexpr float kTorsoHeight = 0.45f;
 
-// Counters of the localisation, for the debugger.
-int locCount = 0;
-unsigned c = 0;
-
 // Adjacent pairs of landmarks whose connecting lines run along the pitch's +x and +y axis.
 struct FlagPair {
   int a;
@@ -32,6 +28,11 @@ constexpr FlagPair kAlongX[] = {{2, 0}, {6, 4}, {3, 1}, {7, 5}};
 constexpr FlagPair kAlongY[] = {{0, 1}, {4, 5}, {2, 3}, {6, 7}};
 
 }  // namespace
+
+// Counters of localize, global as the program's others are not: its runs in the last update with
+// vision, and in the whole process. No code reads them.
+int locCount = 0;
+unsigned c = 0;
 
 WorldModel::WorldModel() : timer(new Timer), ball(new Ball), mySelf(new Self), say(new Say) {
   // A message holds at most some twenty lines; room for them now keeps the cycle free of

@@ -29,8 +29,10 @@
 //
 // Messages are untrusted: any bytes may come, and none harm more than the belief. An expression
 // that is not closed, a number for a joint, player or other table entry that does not exist, and a
-// sighting or reading whose numbers can't be read are dropped; a number that can't be read leaves
-// its field as it was.
+// sensor reading whose numbers can't be read are dropped; a number that can't be read leaves its
+// field as it was. A sighting counts even then, as the server does send "(pol nan nan nan)": the
+// object is seen now with the camera position that it had, and the end of a line with that of a new
+// line.
 class WorldModel {
  public:
   // REQUIRES: the configuration is loaded.
@@ -168,6 +170,10 @@ class WorldModel {
  private:
   // One seen player of a vision expression.
   void setPlayer(std::string_view expression);
+  // The player with that number; nullptr for a number outside 1 to 11.
+  Player* seenPlayer(std::string_view team, int number);
+  // The object is seen now, there in the camera frame.
+  void storeSighting(Object& object, Vector cameraPosition);
   const std::string& ownTeamName();
   bool isSeenNow(const Object& object) const { return object.LastTimeSeen == gameTime; }
 

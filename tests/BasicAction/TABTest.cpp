@@ -53,7 +53,7 @@ class TABTest : public ::testing::Test {
 
 TEST_F(TABTest, ARequestIsStoredAndLogged) {
   TAB fresh;
-  EXPECT_EQ(fresh.type, AT_NONE);
+  EXPECT_EQ(fresh.type, AT_TURN_AROUND_BALL);
   body.takeLog();
   EXPECT_EQ(fresh.execute(Vector(1, 2, 3), 4.5), &fresh);
   EXPECT_EQ(body.takeLog(), "TAB !!!!\n");

@@ -145,10 +145,12 @@ TEST(VectorTest, PhiIsANumberForEveryOrdinaryVector) {
   }
 }
 
-TEST(VectorTest, AngleToIsTheDifferenceOfUnsignedAngles) {
-  EXPECT_FLOAT_EQ(Vector(1, 0, 0).getAngleTo(Vector(0, 1, 0)), static_cast<float>(kPi / 2));
-  EXPECT_FLOAT_EQ(Vector(0, 1, 0).getAngleTo(Vector(1, 0, 0)), static_cast<float>(-kPi / 2));
-  EXPECT_EQ(Vector(1, 1, 0).getAngleTo(Vector(1, -1, 0)), 0);
+TEST(VectorTest, AngleToIsTheUnsignedDirectionOfTheWayThere) {
+  EXPECT_FLOAT_EQ(Vector(1, 1, 5).getAngleTo(Vector(1, 3, 0)), static_cast<float>(kPi / 2));
+  EXPECT_FLOAT_EQ(Vector(1, 3, 0).getAngleTo(Vector(1, 1, 5)), static_cast<float>(kPi / 2));
+  EXPECT_FLOAT_EQ(Vector(1, 0, 0).getAngleTo(Vector(0, 1, 0)), static_cast<float>(kPi * 3 / 4));
+  EXPECT_FLOAT_EQ(Vector(2, 1, 0).getAngleTo(Vector(-1, 1, 0)), static_cast<float>(kPi));
+  EXPECT_EQ(Vector(1, 1, 0).getAngleTo(Vector(1, 1, 3)), 0);  // straight up
 }
 
 TEST(VectorTest, DotAndCross) {

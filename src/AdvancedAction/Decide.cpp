@@ -241,7 +241,7 @@ bool Decide::end(Vector pos_toGo, Vector posToRot) {
   find(pos_toGo, posToRot, 20, 1.0);
   const float behind = agent->WM->mySelf->getGlobalPosition().getX() - pos_toGo.getX();
   if (behind >= -2 && behind <= -1.5) {
-    agent->actions->stopAction(agent->reset->execute(0, 10, 5));
+    agent->actions->stopAction(agent->reset->execute(Reset::kFixedStance));
   }
   return false;
 }

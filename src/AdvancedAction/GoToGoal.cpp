@@ -36,7 +36,8 @@ bool GoToGoal::execute() {
       if (agent->goToPoint->fineApproach(ballPos, toGo, 5, 1.2)) state = kReset;
       break;
     case kReset:
-      if (agent->actions->ChangeAction(agent->reset->execute(1, 10, 5))) state = kDribble;
+      if (agent->actions->ChangeAction(agent->reset->execute(Reset::kNeutralStance)))
+        state = kDribble;
       break;
     case kDribble:
       agent->dribble->dribble(toGo, 0);

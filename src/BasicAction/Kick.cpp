@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 // Frames that no kick handles: a kick that gets there holds still until it is reset.
 constexpr int kEndlessUnstable = 1700;
 constexpr int kEndlessUnstable1 = 80;
@@ -330,7 +327,7 @@ bool Kick::unstable() {
   }
   switch (stableState) {
     case 0:
-      agent->reset->execute(0, 10, 5);
+      agent->reset->execute(Reset::kFixedStance);
       enter(100);
       return false;
     case 100:
@@ -356,7 +353,7 @@ bool Kick::unstable() {
       enter(k == CLOSE_Y ? 15 : 16);
       return false;
     case kUnstableEnd:
-      agent->reset->execute(0, 10, 5);
+      agent->reset->execute(Reset::kFixedStance);
       enter(0);
       return true;
     case 200:
@@ -396,7 +393,7 @@ bool Kick::unstable1() {
       if (runUnstable1Strike(*this)) unStableState1 = kEndlessUnstable1;
       return false;
     case 8:
-      agent->reset->execute(0, 10, 5);
+      agent->reset->execute(Reset::kFixedStance);
       unStableState1 = 1;
       return true;
     default:

@@ -27,7 +27,7 @@ class OmniSideWalk : public BasicAction {
   /// One phase of one step of the leg `side`; true when it ended the step.
   bool step(float Gain, bool side);
 
-  /// The gait begins anew. RotZ and `a` stay as they are, as in OmniWalk.
+  /// The gait begins anew, but for RotZ and `a`, as in OmniWalk.
   void resetVars();
 
   double RotZ[4] = {};          ///< Yaw increments of the current step, degrees.

@@ -144,7 +144,7 @@ bool Actions::ChangeAction(Reset* reset) {
   return serve(
       Kind::kWholeBody, reset->type, [&] { reset->resetVars(); },
       // Whatever stance the caller asked for, a requested reset goes to the neutral one.
-      [&] { preAction = reset->execute(1, 10, 5)->init(); });
+      [&] { preAction = reset->execute(Reset::kNeutralStance)->init(); });
 }
 
 bool Actions::ChangeAction(Dive* dive) {
@@ -235,7 +235,7 @@ Actions::Running Actions::goOn() {
 }
 
 bool Actions::endStep() {
-  if (!agent->reset->execute(1, 10, 5)->init()) return false;
+  if (!agent->reset->execute(Reset::kNeutralStance)->init()) return false;
   clearAfterEndStep(agent->walk->_omniWalk);
   clearAfterEndStep(agent->walk->_omniBackWalk);
   p += 1;

@@ -310,7 +310,7 @@ void Decision::beam() {
 
 void Decision::resetUnlessKickOffTaker() {
   if (unum == kKickOffTaker) return;
-  advancedAgent->reset->execute(0, 10, 5);
+  advancedAgent->reset->execute(Reset::kFixedStance);
   advancedAgent->reset->init();
 }
 
@@ -423,7 +423,7 @@ bool Decision::passKickOff() {
 
   switch (stateP) {
     case kStance:
-      advancedAgent->reset->execute(0, 10, 5);
+      advancedAgent->reset->execute(Reset::kFixedStance);
       if (advancedAgent->reset->init()) stateP = kStep;
       break;
     case kStep: {

@@ -145,8 +145,7 @@ class Vector {
 std::ostream& operator<<(std::ostream& out, Vector v);
 
 /// 0 for 0.0, otherwise the value divided by its magnitude, cut to int: 1 or -1. The quotient of
-/// an infinity or not-a-number is no number; it gives the lowest int, as the conversion instruction
-/// of the machines that the player runs on does.
+/// an infinity or not-a-number is no number; it gives the lowest int, see `integerPart`.
 int sign(double value);
 
 #endif  // QUOLNARIS_MATHEMATICS_VECTOR_H_

@@ -17,6 +17,11 @@ class Converter {
   static double atan2Deg(double y, double x);
 };
 
+/// The whole-number part. What no int can hold, not-a-number and infinities too, gives the lowest
+/// int, as the conversion instruction of the machines that the player runs on does; only a
+/// senseless configuration or request leads there.
+int integerPart(double value);
+
 /// The server's word for each `PlayMode`, indexed by it.
 extern const char* const PlayModeNames[18];
 

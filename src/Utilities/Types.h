@@ -7,6 +7,10 @@
 /// The half of the pitch that a team defends, as the server names it.
 enum TeamSide { SIDE_LEFT = 0, SIDE_RIGHT = 1, SIDE_ILLEGAL = 2 };
 
+/// A side of the own body, wherever a `bool side` names one.
+inline constexpr bool kLeft = false;
+inline constexpr bool kRight = true;
+
 /// The play modes of the game; their names on the wire are `PlayModeNames` (Utilities/Converter.h).
 enum PlayMode {
   PM_BEFORE_KICK_OFF = 0,

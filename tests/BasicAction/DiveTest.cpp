@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 class DiveTest : public ::testing::Test {
  protected:
   void checkState(int state, const CommandList& commands) {

@@ -8,9 +8,6 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 class FeedBackTest : public ::testing::Test {
  protected:
   IsNearFall verdict(float ax, float ay) {

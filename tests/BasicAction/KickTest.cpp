@@ -13,9 +13,6 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 using Solver = bool (BasicAgent::*)(Vector, Vector, double*, bool, double, double, double);
 
 class KickTest : public ::testing::Test {

@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 class ResetTest : public ::testing::Test {
  protected:
   // The commands of one cycle towards a stance, from the rule and not from the action.

@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 class StandUpTest : public ::testing::Test {
  protected:
   void checkFront(int state, int counter, const CommandList& commands, int next) {

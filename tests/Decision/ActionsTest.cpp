@@ -30,9 +30,6 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 // A mark in Reset::State that no action writes: it is gone once an end step ran.
 constexpr int kNoEndStep = 77;
 

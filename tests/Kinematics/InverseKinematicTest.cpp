@@ -26,9 +26,6 @@ constexpr int kCases = 10000;
 constexpr double kPi = 3.141592653589793;
 constexpr double kCoarsePi = 3.1415;
 constexpr double kUntouched = 12345;
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 Theta untouched() {
   Theta theta;
   theta.fill(kUntouched);

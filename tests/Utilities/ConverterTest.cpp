@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -88,6 +89,22 @@ TEST(SideNamesTest, SideIsReadFromTheFirstLetter) {
   EXPECT_EQ(getSideFromStr("Left"), SIDE_ILLEGAL);
   EXPECT_EQ(getSideFromStr("our"), SIDE_ILLEGAL);
   EXPECT_EQ(getSideFromStr(""), SIDE_ILLEGAL);
+}
+
+TEST(ConverterTest, TheIntegerPartIsCutTowardsZero) {
+  EXPECT_EQ(integerPart(47.999), 47);
+  EXPECT_EQ(integerPart(-47.999), -47);
+  EXPECT_EQ(integerPart(0.9), 0);
+  EXPECT_EQ(integerPart(2147483647.5), 2147483647);
+  EXPECT_EQ(integerPart(-2147483648.0), std::numeric_limits<int>::min());
+}
+
+TEST(ConverterTest, AValueThatNoIntHoldsGivesTheLowestInt) {
+  const int lowest = std::numeric_limits<int>::min();
+  EXPECT_EQ(integerPart(2147483648.0), lowest);
+  EXPECT_EQ(integerPart(-1e300), lowest);
+  EXPECT_EQ(integerPart(std::numeric_limits<double>::infinity()), lowest);
+  EXPECT_EQ(integerPart(std::numeric_limits<double>::quiet_NaN()), lowest);
 }
 
 }  // namespace

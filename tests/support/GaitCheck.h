@@ -11,9 +11,6 @@
 // What the tests of the gaits and turns share: the targets that a phase of a step asks of both
 // legs, worked out from the gait's numbers, and their comparison with what the body was sent.
 
-inline constexpr bool kLeft = false;
-inline constexpr bool kRight = true;
-
 // One gait's numbers in millimetres, degrees and percent, as the configuration of TestBody gives
 // them, worked out by hand in each test.
 struct GaitNumbers {

@@ -55,14 +55,14 @@ BasicAgent& agent() {
     made.WM = new WorldModel;
     BodyController& body = made.bControl;
     for (int side = 0; side < 2; ++side) {
-      for (int i = 0; i < BodyController::kHandJoints; ++i) {
+      for (int i = 0; i < kHandJoints; ++i) {
         body.handController[side][i].joint = made.WM->getHandJoint(i + 1, side);
       }
-      for (int i = 0; i < BodyController::kLegJoints; ++i) {
+      for (int i = 0; i < kLegJoints; ++i) {
         body.legController[side][i].joint = made.WM->getLegJoint(i + 1, side);
       }
     }
-    for (int i = 0; i < BodyController::kHeadJoints; ++i) {
+    for (int i = 0; i < kHeadJoints; ++i) {
       body.headController[i].joint = made.WM->getHeadJoint(i + 1);
     }
     return made;

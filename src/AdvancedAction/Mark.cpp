@@ -7,12 +7,11 @@
 #include "Agent/Agent.h"
 #include "Utilities/Config.h"
 #include "WorldModel/Ball.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
-
-constexpr int kPlayers = 11;
 
 // Metres from an opponent to its marking point, towards the ball.
 constexpr double kMarkGap = 0.5;

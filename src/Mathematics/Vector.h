@@ -27,7 +27,7 @@ class Vector {
   float z = 0;
 
   Vector() = default;
-  Vector(float a, float b, float c) : x(a), y(b), z(c) {}
+  constexpr Vector(float a, float b, float c) : x(a), y(b), z(c) {}
 
   /// CARTESIAN: the three coordinates. SPHERICAL: `vx` is the length, `vy` the azimuth from +x
   /// towards +y and `vz` the elevation above the xy plane, both in degrees.

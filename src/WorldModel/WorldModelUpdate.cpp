@@ -7,6 +7,7 @@
 
 #include "Utilities/Config.h"
 #include "Utilities/Converter.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/PerceptReader.h"
 #include "WorldModel/WorldModel.h"
 
@@ -16,8 +17,7 @@ namespace {
 // team of another name hears only teams of this one.
 constexpr std::string_view kTeamWord = "Quolnaris";
 
-// Single precision, widened where they meet a double: the rounding is part of the behaviour.
-constexpr float kCycle = 0.02f;        // seconds
+// Single precision, widened where it meets a double: the rounding is part of the behaviour.
 constexpr float kSampleWeight = 0.1f;  // of a new accelerometer sample
 constexpr double kMemoryWeight = 0.9;  // of the filtered accelerometer
 
@@ -26,8 +26,6 @@ constexpr double kMinAcceleration = 6.0;
 constexpr double kMaxAcceleration = 12.0;
 
 constexpr std::size_t kVisionHead = 5;  // the length of "(See "
-
-constexpr int kPlayers = 11;
 
 // The end, behind its ")", of the expression that starts with the "(" at `start`; npos if nothing
 // closes it.

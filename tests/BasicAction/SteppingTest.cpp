@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "support/TestBody.h"
+#include "support/FakeBody.h"
 
 namespace {
+
+using support::FakeBody;
 
 TEST(SteppingTest, AFootMovesAndBothPlacesAreTold) {
   double right = 10, left = 20, swing = 0, standing = 0;
@@ -38,8 +40,8 @@ TEST(SteppingTest, TheFourthPhaseEndsAStep) {
 }
 
 TEST(SteppingTest, ASpeedStaysInSinglePrecisionUntilItIsCut) {
-  ::TestBody body;
-  ::TestBody::configure("Turn", "turn", "speed", "0.1");
+  FakeBody body;
+  FakeBody::configure("Turn", "turn", "speed", "0.1");
   const stepping::Table scaled = {
       .file = "Turn", .group = "turn", .stride = "Yankle", .speed = {70, 30}};
   EXPECT_EQ(stepping::readSpeed(scaled), 0.1f * 70.0f + 30.0f);

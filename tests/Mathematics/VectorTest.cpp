@@ -278,7 +278,7 @@ TEST(VectorTest, AngleConstants) {
   EXPECT_EQ(Vector::DEG2RAD, 0.017453292519943295);
 }
 
-TEST(SignTest, GivesTheSignAsInt) {
+TEST(VectorSignTest, GivesTheSignAsInt) {
   EXPECT_EQ(sign(0.0), 0);
   EXPECT_EQ(sign(-0.0), 0);
   EXPECT_EQ(sign(3.7), 1);
@@ -287,7 +287,7 @@ TEST(SignTest, GivesTheSignAsInt) {
   EXPECT_EQ(sign(-std::numeric_limits<double>::max()), -1);
 }
 
-TEST(SignTest, HasNoSignForWhatIsNoNumber) {
+TEST(VectorSignTest, HasNoSignForWhatIsNoNumber) {
   EXPECT_EQ(sign(std::numeric_limits<double>::quiet_NaN()), std::numeric_limits<int>::min());
   EXPECT_EQ(sign(std::numeric_limits<double>::infinity()), std::numeric_limits<int>::min());
 }

@@ -50,7 +50,7 @@ constexpr NamedMode kModes[] = {
     {PM_FREE_KICK_RIGHT, "free_kick_right"},
 };
 
-TEST(PlayModeNamesTest, EveryModeHasItsName) {
+TEST(ConverterPlayModeNamesTest, EveryModeHasItsName) {
   for (const NamedMode& named : kModes) {
     EXPECT_STREQ(getPlayModeStr(named.mode), named.name);
     EXPECT_STREQ(PlayModeNames[named.mode], named.name);
@@ -59,13 +59,13 @@ TEST(PlayModeNamesTest, EveryModeHasItsName) {
   EXPECT_STREQ(getPlayModeStr(PM_ILLEGAL), "illegal");
 }
 
-TEST(PlayModeNamesTest, TextNeedOnlyStartWithTheName) {
+TEST(ConverterPlayModeNamesTest, TextNeedOnlyStartWithTheName) {
   EXPECT_EQ(getPlayModeFormStr("PlayOnward"), PM_PLAY_ON);
   EXPECT_EQ(getPlayModeFormStr("quit)"), PM_QUIT);
   EXPECT_EQ(getPlayModeFormStr("KickOff_Left)(x"), PM_KICK_OFF_LEFT);
 }
 
-TEST(PlayModeNamesTest, OtherTextsAreIllegal) {
+TEST(ConverterPlayModeNamesTest, OtherTextsAreIllegal) {
   EXPECT_EQ(getPlayModeFormStr(""), PM_ILLEGAL);
   EXPECT_EQ(getPlayModeFormStr("PlayO"), PM_ILLEGAL);
   EXPECT_EQ(getPlayModeFormStr("playon"), PM_ILLEGAL);
@@ -74,14 +74,14 @@ TEST(PlayModeNamesTest, OtherTextsAreIllegal) {
   EXPECT_EQ(getPlayModeFormStr("illegal"), PM_ILLEGAL);
 }
 
-TEST(SideNamesTest, TableIsShiftedByOne) {
+TEST(ConverterSideNamesTest, TableIsShiftedByOne) {
   EXPECT_STREQ(getSideStr(SIDE_LEFT), "our");
   EXPECT_STREQ(getSideStr(SIDE_RIGHT), "left");
   EXPECT_STREQ(getSideStr(SIDE_ILLEGAL), "right");
   EXPECT_STREQ(SideNames[3], "illegal");
 }
 
-TEST(SideNamesTest, SideIsReadFromTheFirstLetter) {
+TEST(ConverterSideNamesTest, SideIsReadFromTheFirstLetter) {
   EXPECT_EQ(getSideFromStr("left"), SIDE_LEFT);
   EXPECT_EQ(getSideFromStr("l"), SIDE_LEFT);
   EXPECT_EQ(getSideFromStr("right"), SIDE_RIGHT);

@@ -23,7 +23,7 @@
 #include <vector>
 
 #include "Agent/OurPlayer.h"
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 
 namespace {
 

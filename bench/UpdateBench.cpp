@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 #include "Utilities/Config.h"
 #include "WorldModel/WorldModel.h"
 

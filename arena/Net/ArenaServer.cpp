@@ -18,9 +18,9 @@ constexpr std::size_t kMaxMonitors = 32;
 // As in the league's server: while a part of an agent's frame is not sent, those after it are
 // dropped.
 constexpr FramedConnection::Limits kAgentLimits{
-    .frame_length = std::size_t{64} << 10, .queue = 64, .unsent = 0};
+    .frameLength = std::size_t{64} << 10, .queue = 64, .unsent = 0};
 constexpr FramedConnection::Limits kMonitorLimits{
-    .frame_length = std::size_t{64} << 10, .queue = 256, .unsent = std::size_t{1} << 20};
+    .frameLength = std::size_t{64} << 10, .queue = 256, .unsent = std::size_t{1} << 20};
 // A monitor that has not taken so much is passed over. A full message of 22 robots has some 100 kB,
 // so that there is always room for the one that follows.
 constexpr std::size_t kMonitorBacklog = std::size_t{512} << 10;

@@ -16,8 +16,6 @@
 namespace arena {
 namespace {
 
-using Tcp = boost::asio::ip::tcp;
-
 ServerOptions impatient() {
   ServerOptions options;
   options.agentTimeout = 0.2;
@@ -217,10 +215,9 @@ std::string playRole(unsigned short port, const Role& role, int frames, unsigned
   dawdle();
   const std::string scene =
       "(scene rsg/agent/nao/nao_hetero.rsg " + std::to_string(role.type) + ")";
-  const auto prefix = framePrefix(scene.size());
-  agent.sendRaw(std::string(prefix.begin(), prefix.end()) + scene.substr(0, 10));
+  agent.sendRaw(framed(scene).substr(0, 14));
   dawdle();
-  agent.sendRaw(scene.substr(10));
+  agent.sendRaw(framed(scene).substr(14));
   std::string stream;
   for (int frame = 1; frame <= frames; ++frame) {
     const auto text = agent.receive();

@@ -21,7 +21,7 @@
 
 #include "Agent/OurPlayer.h"
 #include "BenchKit.h"
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 
 namespace {
 

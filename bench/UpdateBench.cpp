@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "BenchKit.h"
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 #include "Utilities/Config.h"
 #include "WorldModel/WorldModel.h"
 

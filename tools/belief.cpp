@@ -17,8 +17,8 @@
 #include <string>
 #include <vector>
 
+#include "FrameRecording.h"
 #include "PitchPicture.h"
-#include "RecordingReader.h"
 #include "Utilities/Config.h"
 #include "Utilities/Converter.h"
 #include "WorldModel/WorldModel.h"

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <array>
-#include <boost/asio.hpp>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -27,15 +26,13 @@
 #include "BasicAction/Turn.h"
 #include "BasicAction/Walk.h"
 #include "Decision/Actions.h"
+#include "FramedLink.h"
 #include "Kinematics/ForwardKinematic.h"
 #include "MotionCourse.h"
 #include "MotionPicture.h"
 #include "MotionRecord.h"
 
 namespace {
-
-namespace asio = boost::asio;
-using asio::ip::tcp;
 
 constexpr double kDegree = 3.141592653589793 / 180;
 constexpr int kBeams = 10;
@@ -82,39 +79,22 @@ struct Options {
 // where the server puts the robot.
 class Trainer {
  public:
-  Trainer(const std::string& host, std::uint16_t port) : socket_(io_) {
-    tcp::resolver resolver(io_);
-    asio::connect(socket_, resolver.resolve(host, std::to_string(port)));
-    socket_.set_option(tcp::no_delay(true));
-  }
+  Trainer(const std::string& host, std::uint16_t port) : link_(host, port) {}
 
   // Is sent ahead of the player's next answer: what a trainer says between two cycles is heard in
   // the one or the other, as it happens.
   void say(const std::string& command) { waiting_.push_back(command); }
 
   void send() {
-    for (const std::string& command : waiting_) write(command);
+    for (const std::string& command : waiting_) link_.send(command);
     waiting_.clear();
   }
 
   // Throws away what the server tells its viewers, so that it does not pile up.
-  void drain() {
-    std::array<char, 65536> buffer;
-    while (socket_.available() > 0) socket_.read_some(asio::buffer(buffer));
-  }
+  void drain() { link_.drain(); }
 
  private:
-  void write(const std::string& command) {
-    const auto size = static_cast<std::uint32_t>(command.size());
-    const std::array<unsigned char, 4> prefix = {
-        static_cast<unsigned char>(size >> 24U), static_cast<unsigned char>(size >> 16U),
-        static_cast<unsigned char>(size >> 8U), static_cast<unsigned char>(size)};
-    const std::array<asio::const_buffer, 2> both = {asio::buffer(prefix), asio::buffer(command)};
-    asio::write(socket_, both);
-  }
-
-  asio::io_context io_;
-  tcp::socket socket_;
+  FramedLink link_;
   std::vector<std::string> waiting_;
 };
 

@@ -4,14 +4,18 @@
 
 #include <algorithm>
 #include <bit>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <stdexcept>
 
 namespace arena {
 
 namespace {
 
-constexpr std::size_t kFlushSize = 64 * 1024;
+constexpr std::size_t kBufferSize = 64 * 1024;
+// Twice as often as promised: a cycle may take its time.
+constexpr std::chrono::milliseconds kFlushInterval{500};
 
 // Rounds to a stored integer. What the physics has blown up is held at a size that still fits.
 std::int64_t stored(double value, double unit) {
@@ -35,9 +39,12 @@ void storePose(const Eigen::Isometry3d& pose, Numbers& numbers) {
 }  // namespace
 
 RecordingWriter::RecordingWriter(const std::string& path) : file_(gzopen(path.c_str(), "wb3")) {
-  if (!file_) throw std::runtime_error("cannot write the recording " + path);
+  if (!file_) {
+    throw std::runtime_error("cannot write the recording " + path + ": " + std::strerror(errno));
+  }
   buffer_ = kRecordingMagic;
   byte(kRecordingVersion);
+  flush();
 }
 
 RecordingWriter::~RecordingWriter() {
@@ -135,10 +142,16 @@ void RecordingWriter::write(const Scene& scene, const GameState& game,
     byte(static_cast<std::uint64_t>(foul.number));
   }
   ++cycles_;
-  if (buffer_.size() >= kFlushSize) flush();
+  fresh_ = false;
+  if (buffer_.size() >= kBufferSize) compress();
+  keepFresh();
 }
 
-void RecordingWriter::flush() {
+void RecordingWriter::keepFresh() {
+  if (!fresh_ && Clock::now() - flushed_ >= kFlushInterval) flush();
+}
+
+void RecordingWriter::compress() {
   const auto size = static_cast<unsigned>(buffer_.size());
   if (size > 0 &&
       gzwrite(static_cast<gzFile>(file_), buffer_.data(), size) != static_cast<int>(size)) {
@@ -147,11 +160,18 @@ void RecordingWriter::flush() {
   buffer_.clear();
 }
 
+void RecordingWriter::flush() {
+  compress();
+  if (gzflush(static_cast<gzFile>(file_), Z_SYNC_FLUSH) != Z_OK) good_ = false;
+  fresh_ = true;
+  flushed_ = Clock::now();
+}
+
 bool RecordingWriter::close() {
   if (!file_) return good_;
   block(RecordingBlock::End);
   unsignedNumber(cycles_);
-  flush();
+  compress();
   if (gzclose(static_cast<gzFile>(file_)) != Z_OK) good_ = false;
   file_ = nullptr;
   return good_;

@@ -226,7 +226,8 @@ bool Block::extraBlockExecute() {
   const auto extra = std::find_if(team.begin(), team.end(), [](const Player* p) {
     return p->getPlayerNumber() > 1 && p->getPlayerNumber() <= 6;
   });
-  if (extra == team.end() || (*extra)->getPlayerNumber() != unum || ballPos.getX() > -9)
+  if (extra == team.end() || (*extra)->getPlayerNumber() != unum || ballPos.getX() > -9) {
     return false;
+  }
   return holdOrGo(blockPos);
 }

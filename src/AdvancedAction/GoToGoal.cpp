@@ -36,8 +36,9 @@ bool GoToGoal::execute() {
       if (agent->goToPoint->fineApproach(ballPos, kOtherGoal, 5, 1.2)) state = kReset;
       break;
     case kReset:
-      if (agent->actions->ChangeAction(agent->reset->execute(Reset::kNeutralStance)))
+      if (agent->actions->ChangeAction(agent->reset->execute(Reset::kNeutralStance))) {
         state = kDribble;
+      }
       break;
     case kDribble:
       agent->dribble->dribble(kOtherGoal, 0);

@@ -15,8 +15,9 @@ bool SideWalk::basicWalk(float sideGain) {
   enum { kTakeStance, kLeftStep, kRightStep };
   switch (basicWalkState) {
     case kTakeStance:
-      if (stepping::reachStance(Reset::kFixedStance))
+      if (stepping::reachStance(Reset::kFixedStance)) {
         basicWalkState = sideGain > 0 ? kLeftStep : kRightStep;
+      }
       return false;
     case kLeftStep:
       if (!step(sideGain, kLeft)) return false;

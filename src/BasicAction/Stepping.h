@@ -239,15 +239,17 @@ void runPhase(Action& action, int& sequence, bool& unwound, Reset::Stance stance
       if (action.step(gain, action.side)) sequence = kChooseOtherside;
       break;
     case kUnwindSide:
-      if (unwind(action, action.a[0], gain, action.side, unwound, loadSteps))
+      if (unwind(action, action.a[0], gain, action.side, unwound, loadSteps)) {
         sequence = kChooseOtherside;
+      }
       break;
     case kTurnOtherside:
       if (action.step(gain, action.otherside)) sequence = kChooseSide;
       break;
     case kUnwindOtherside:
-      if (unwind(action, action.a[1], gain, action.otherside, unwound, loadSteps))
+      if (unwind(action, action.a[1], gain, action.otherside, unwound, loadSteps)) {
         sequence = kChooseSide;
+      }
       break;
     default:
       break;

@@ -6,7 +6,7 @@ import logging
 import os
 import signal
 from collections.abc import Callable, Iterator, Sequence
-from contextlib import contextmanager
+from contextlib import contextmanager, suppress
 from dataclasses import asdict
 from pathlib import Path
 from typing import Any
@@ -20,6 +20,7 @@ from tuning.evaluation import Result, Run, evaluate
 
 # Workers that may be lost while they carry a run out before it counts as failed.
 _RETRIES = 3
+_WAIT_FOR_SCHEDULER = 10  # s
 _WAIT_FOR_WORKERS = 60  # s
 
 # Dask looks at what its threads do a hundred times a second, which costs more than all the rest of it.
@@ -32,8 +33,9 @@ _SETTINGS = {
 }
 
 # Losses are told by this module, in one line.
-for _name in ("distributed", "tornado", "asyncio"):
-    logging.getLogger(_name).setLevel(logging.CRITICAL)
+for _name in list(logging.root.manager.loggerDict):
+    if _name.split(".")[0] in ("distributed", "tornado", "asyncio"):
+        logging.getLogger(_name).setLevel(logging.CRITICAL)
 
 Progress = Callable[[Run, Result], None]
 
@@ -61,7 +63,8 @@ class ResultStore:
             temporary.write_text(json.dumps(asdict(result)), encoding="utf-8")
             temporary.replace(path)
         except OSError as error:
-            temporary.unlink(missing_ok=True)
+            with suppress(OSError):
+                temporary.unlink()
             raise TuneError(f"cannot keep a result in {self._directory}: {error.strerror}") from None
 
 
@@ -121,7 +124,8 @@ class Workers:
             for future in as_completed(futures):
                 yield future.key, self._result_of(future)
         finally:
-            self._client.cancel(futures)
+            with suppress(OSError, TimeoutError):  # of a scheduler that is gone
+                self._client.cancel(futures)
 
     def _result_of(self, future: Any) -> Result:
         if future.status == "cancelled":
@@ -174,7 +178,7 @@ def cluster_workers(address: str, store: ResultStore) -> Iterator[Workers]:
     """Workers of a cluster that runs already."""
     with dask.config.set(_SETTINGS):
         try:
-            client = Client(address, timeout=20)
+            client = Client(address, timeout=_WAIT_FOR_SCHEDULER)
         except (OSError, ValueError, TimeoutError) as error:
             raise TuneError(f"no scheduler answers at {address}: {error}") from None
         with client:

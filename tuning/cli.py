@@ -28,10 +28,13 @@ def report_errors(work: Callable[[], int], program: str, hint: Callable[[], str]
         return 130
     except OSError as error:
         text = str(error)
-    except Exception as error:
+    except Exception as failure:
+        error: BaseException = failure
         # Storages throw whatever their database does.
         if type(error).__module__.split(".")[0] not in ("sqlalchemy", "sqlite3", "optuna"):
             raise
+        while error.__cause__ is not None:
+            error = error.__cause__
         text = f"the storage fails: {(str(error).splitlines() or [type(error).__name__])[0]}"
     print(f"{program}: {text}{hint()}", file=sys.stderr)
     return 1
@@ -102,6 +105,10 @@ def _parser() -> argparse.ArgumentParser:
     evaluate.add_argument("--json", action="store_true", help="every seed's figures as JSON")
     add_worker_options(evaluate)
     _plain_option(evaluate)
+
+    speed = _command(commands, "speed", _speed, "measure what runs and the engine cost on this machine")
+    speed.add_argument("--evaluations", type=_positive, default=24, help="with each number of workers (24)")
+    speed.add_argument("--duration", type=_positive, default=200, help="seconds of game time of each (200)")
 
     worker = _command(commands, "worker", _worker, "join a Dask cluster with workers of this machine")
     worker.add_argument("scheduler", help="tcp://HOST:8786")
@@ -380,6 +387,13 @@ def _evaluate(options: argparse.Namespace) -> int:
         mean, half = mean_and_half_width(column)
         middle = sorted(column)[len(column) // 2]
         print(f"{name:<24} {mean:10.3f} +- {half:<8.3f} median {middle:.3f}, {min(column):.3f} to {max(column):.3f}")
+    return 0
+
+
+def _speed(options: argparse.Namespace) -> int:
+    from tuning.speed import measure
+
+    measure(options.evaluations, options.duration)
     return 0
 
 

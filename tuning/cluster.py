@@ -92,6 +92,10 @@ class Workers:
             raise TuneError(f"the workers have different versions of the programs: {told}")
         return next(iter(versions.values()))
 
+    def processor_seconds(self) -> float:
+        """Of all workers and of the programs that have ended under them."""
+        return sum(self._client.run(own_seconds).values())
+
     def carry_out(
         self, runs: Sequence[Run], progress: Progress | None = None, details: bool = False
     ) -> list[Result]:
@@ -141,6 +145,11 @@ class Workers:
                 "the programs have changed since the start; results of two versions are not mixed"
             )
         return result
+
+
+def own_seconds() -> float:
+    """Processor time of this process and of the children that it has waited for."""
+    return sum(os.times()[:4])
 
 
 def _version() -> str:

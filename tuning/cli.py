@@ -401,5 +401,9 @@ def _worker(options: argparse.Namespace) -> int:
     if options.programs:
         os.environ[paths.PROGRAMS_VARIABLE] = str(options.programs.resolve())
     paths.version()
+    from tuning.cluster import SETTINGS
+
+    for name, value in SETTINGS.items():
+        os.environ.setdefault("DASK_" + name.replace(".", "__").replace("-", "_").upper(), str(value))
     words = ["dask-worker", options.scheduler, "--nthreads", "1", "--nworkers", str(options.workers)]
     os.execvp(words[0], [*words, "--no-dashboard", "--local-directory", str(paths.STUDIES / "scratch")])

@@ -23,13 +23,18 @@ _RETRIES = 3
 _WAIT_FOR_SCHEDULER = 10  # s
 _WAIT_FOR_WORKERS = 60  # s
 
-# Dask looks at what its threads do a hundred times a second, which costs more than all the rest of it.
-_SETTINGS = {
+# By default Dask looks at its loops, its threads and its memory up to a hundred times a second, which
+# costs more than all the rest of it; a run takes seconds.
+SETTINGS = {
+    "distributed.admin.tick.interval": "2s",
+    "distributed.admin.tick.limit": "1h",
+    "distributed.admin.system-monitor.interval": "10s",
+    "distributed.comm.timeouts.connect": "20s",
+    "distributed.scheduler.allowed-failures": _RETRIES,
+    "distributed.scheduler.work-stealing-interval": "1s",
+    "distributed.worker.memory.monitor-interval": "5s",
     "distributed.worker.profile.interval": "10s",
     "distributed.worker.profile.cycle": "100s",
-    "distributed.admin.system-monitor.interval": "5s",
-    "distributed.scheduler.allowed-failures": _RETRIES,
-    "distributed.comm.timeouts.connect": "20s",
 }
 
 # Losses are told by this module, in one line.
@@ -164,7 +169,7 @@ def local_workers(count: int | None, store: ResultStore, directory: Path) -> Ite
     """Workers on this machine, one process each; as many as cores unless told otherwise."""
     paths.version()  # complains before anything is started
     directory.mkdir(parents=True, exist_ok=True)
-    with dask.config.set(_SETTINGS):
+    with dask.config.set(SETTINGS):
         # Ctrl-C is for the driver: the workers end when it ends them.
         before = signal.signal(signal.SIGINT, signal.SIG_IGN)
         try:
@@ -185,7 +190,7 @@ def local_workers(count: int | None, store: ResultStore, directory: Path) -> Ite
 @contextmanager
 def cluster_workers(address: str, store: ResultStore) -> Iterator[Workers]:
     """Workers of a cluster that runs already."""
-    with dask.config.set(_SETTINGS):
+    with dask.config.set(SETTINGS):
         try:
             client = Client(address, timeout=_WAIT_FOR_SCHEDULER)
         except (OSError, ValueError, TimeoutError) as error:

@@ -30,9 +30,6 @@ class Display(AbstractContextManager["Display"]):
         self._planned = planned
         self._workers = workers
         self._console = Console(stderr=True)
-        self._live = None if plain or not self._console.is_terminal else Live(
-            console=self._console, refresh_per_second=_REDRAWS, get_renderable=self._render
-        )
         self._began = time.monotonic()
         self._done = self._failed = 0
         self._step = ""
@@ -43,6 +40,12 @@ class Display(AbstractContextManager["Display"]):
             TextColumn("{task.description}"), BarColumn(), MofNCompleteColumn(), TimeElapsedColumn()
         )
         self._bar = self._bars.add_task("", total=1)
+        # The last one: it draws at once.
+        self._live = None
+        if not plain and self._console.is_terminal:
+            self._live = Live(
+                console=self._console, refresh_per_second=_REDRAWS, get_renderable=self._render
+            )
 
     def __enter__(self) -> "Display":
         if self._live:

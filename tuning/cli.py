@@ -78,7 +78,9 @@ def _parser() -> argparse.ArgumentParser:
     status.add_argument("name", nargs="?", help="of the study")
     _storage_options(status)
 
-    validate = _command(commands, "validate", _validate, "play shipped and best values with unused seeds again")
+    validate = _command(
+        commands, "validate", _validate, "play shipped and best values with unused seeds again"
+    )
     validate.add_argument("name", help="of the study")
     validate.add_argument("--seeds", type=_positive, help="how many (default: as the task says)")
     _storage_options(validate)
@@ -97,7 +99,9 @@ def _parser() -> argparse.ArgumentParser:
     apply.add_argument("--dry-run", action="store_true", help="only show what would change")
     _storage_options(apply)
 
-    evaluate = _command(commands, "evaluate", _evaluate, "play a directory of values as a task says, without a search")
+    evaluate = _command(
+        commands, "evaluate", _evaluate, "play a directory of values as a task says, without a search"
+    )
     evaluate.add_argument("task", type=Path, help="the task file, or the name of one in tuning/tasks")
     evaluate.add_argument("--configs", type=Path, default=paths.CONFIGS, help="the values (Configs/)")
     evaluate.add_argument("--seeds", type=_positive, help="how many (default: as the task validates)")
@@ -112,7 +116,9 @@ def _parser() -> argparse.ArgumentParser:
 
     worker = _command(commands, "worker", _worker, "join a Dask cluster with workers of this machine")
     worker.add_argument("scheduler", help="tcp://HOST:8786")
-    worker.add_argument("--workers", type=_positive, default=os.cpu_count(), help="how many (one for each core)")
+    worker.add_argument(
+        "--workers", type=_positive, default=os.cpu_count(), help="how many (one for each core)"
+    )
     worker.add_argument("--programs", type=Path, help="directory of the built programs (build/release/bin)")
     return parser
 
@@ -211,9 +217,7 @@ def _carry_on(options: argparse.Namespace, study, workers) -> int:  # type: igno
     left = max(0, 1 + task.search.population * task.search.generations - len(study.trials))
     rounds = task.search.generations // task.believe.every + 1
     again = 2 + rounds * (task.believe.few + 1)
-    planned = per_seed * (
-        left * task.search.seeds + again * task.believe.seeds + 2 * task.validation.seeds
-    )
+    planned = per_seed * (left * task.search.seeds + again * task.believe.seeds + 2 * task.validation.seeds)
     with Display(f"{study.name}: {task.title}", planned, workers.count, options.plain) as display:
         study.run(workers, display)
     _tell_result(study)
@@ -386,7 +390,9 @@ def _evaluate(options: argparse.Namespace) -> int:
     ]:
         mean, half = mean_and_half_width(column)
         middle = sorted(column)[len(column) // 2]
-        print(f"{name:<24} {mean:10.3f} +- {half:<8.3f} median {middle:.3f}, {min(column):.3f} to {max(column):.3f}")
+        print(
+            f"{name:<24} {mean:10.3f} +- {half:<8.3f} median {middle:.3f}, {min(column):.3f} to {max(column):.3f}"
+        )
     return 0
 
 

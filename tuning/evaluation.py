@@ -126,9 +126,7 @@ def _deploy(configs: Configs, players: dict[int, int]) -> Path:
     source = place / "source"
     write_directory(configs, source)
     words = [f"{number}:{kind}" for number, kind in players.items()]
-    done = subprocess.run(
-        [paths.DEPLOY, source, place, *words], capture_output=True, text=True, check=False
-    )
+    done = subprocess.run([paths.DEPLOY, source, place, *words], capture_output=True, text=True, check=False)
     if done.returncode != 0:
         shutil.rmtree(place, ignore_errors=True)
         raise RunFailed(done.stderr.strip() or f"{paths.DEPLOY.name} failed")
@@ -281,10 +279,7 @@ def _placing_script(seed: int, number: int) -> str:
     turn = draw.uniform(-180, 180)
     place_robot = f"(agent (unum {number})(team Left)(move {x:.3f} {y:.3f} 0.4 {turn:.1f}))"
     # A beam of the player may still be under way in the first of these cycles.
-    return (
-        f"{_READY} (playMode PlayOn){place_ball}{place_robot}\n"
-        f"{_READY + 3} {place_robot}\n"
-    )
+    return f"{_READY} (playMode PlayOn){place_ball}{place_robot}\n" f"{_READY + 3} {place_robot}\n"
 
 
 def _kick_off_touch(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:

@@ -18,7 +18,9 @@ def measure(evaluations: int, duration: int, workers: tuple[int, ...] = (1, 2)) 
     configs = read_directory(paths.CONFIGS)
     scenario = read_scenario("striker", {"kind": "striker", "numbers": [9], "duration": duration})
     runs = [scenario.runs(configs, seeds.derived("speed", at))[0] for at in range(evaluations)]
-    print(f"{evaluations} striker evaluations of {duration} s each; processor milliseconds a simulated second:\n")
+    print(
+        f"{evaluations} striker evaluations of {duration} s each; processor milliseconds a simulated second:\n"
+    )
     print("| workers | arena | player | engine | engine's part | evaluations a minute |")
     print("|---|---|---|---|---|---|")
     rates = [_measure_with(count, runs) for count in workers]

@@ -18,7 +18,7 @@ class MatchFiguresTest : public testing::Test {
     cycle.robots[0].number = 9;
     cycle.robots[1].side = Side::Right;
     cycle.robots[1].number = 2;
-    cycle.robots[1].torso.translation() = {5, 0, 0.38};
+    cycle.robots[1].torso.translation() = Eigen::Vector3d(5, 0, 0.38);
   }
   void observe(int cycles = 1) {
     for (int i = 0; i < cycles; ++i) {
@@ -69,10 +69,10 @@ TEST_F(MatchFiguresTest, AFallBelongsToTheModeInWhichItBegan) {
 
 TEST_F(MatchFiguresTest, TheFirstTouchIsWhenTheBallLeavesItsPlaceAndBelongsToTheNearest) {
   cycle.mode = PlayMode::BeforeKickOff;
-  cycle.ball.translation() = {3, 0, 0};  // before the kick-off nothing counts
+  cycle.ball.translation() = Eigen::Vector3d(3, 0, 0);  // before the kick-off nothing counts
   observe();
   cycle.mode = PlayMode::KickOffLeft;
-  cycle.ball.translation() = {4, 0, 0};
+  cycle.ball.translation() = Eigen::Vector3d(4, 0, 0);
   observe();
   cycle.ball.translation().x() = 4.015;
   observe();
@@ -118,7 +118,7 @@ TEST_F(MatchFiguresTest, TimeOutsideBeginsAMetreBehindTheLines) {
 TEST_F(MatchFiguresTest, WayIsMeasuredWithoutSwayAndJumps) {
   observe();
   for (int i = 1; i <= 100; ++i) {
-    cycle.robots[0].torso.translation() = {0.01 * i, i % 2 ? 0.03 : 0, 0.38};
+    cycle.robots[0].torso.translation() = Eigen::Vector3d(0.01 * i, i % 2 ? 0.03 : 0, 0.38);
     observe();
   }
   EXPECT_NEAR(nine().walked, 1, 0.02);

@@ -42,7 +42,17 @@ class Cluster:
         self._processes: list[subprocess.Popen[bytes]] = []
         log = directory / "scheduler.log"
         self.scheduler = self._start(
-            ["dask-scheduler", "--host", "127.0.0.1", "--port", "0", "--no-dashboard", "--dashboard-address", ":0"], log
+            [
+                "dask-scheduler",
+                "--host",
+                "127.0.0.1",
+                "--port",
+                "0",
+                "--no-dashboard",
+                "--dashboard-address",
+                ":0",
+            ],
+            log,
         )
         for _ in range(300):
             found = re.search(r"(tcp://127\.0\.0\.1:\d+)", log.read_text())
@@ -55,7 +65,12 @@ class Cluster:
     def _start(self, command: list[str], log: Path) -> subprocess.Popen[bytes]:
         with log.open("w") as file:
             process = subprocess.Popen(
-                command, cwd=self._directory, env=ENVIRONMENT, stdout=file, stderr=file, start_new_session=True
+                command,
+                cwd=self._directory,
+                env=ENVIRONMENT,
+                stdout=file,
+                stderr=file,
+                start_new_session=True,
             )
         self._processes.append(process)
         return process
@@ -94,7 +109,15 @@ def undisturbed(task_file: Path, tmp_path_factory: pytest.TempPathFactory) -> li
 
 def begin(task: Path, directory: Path, name: str, *words: str) -> subprocess.Popen[str]:
     """A driver that runs while the test goes on."""
-    command = [str(paths.ROOT / "scripts" / "tune"), "run", str(task), "--name", name, "--studies", str(directory)]
+    command = [
+        str(paths.ROOT / "scripts" / "tune"),
+        "run",
+        str(task),
+        "--name",
+        name,
+        "--studies",
+        str(directory),
+    ]
     return subprocess.Popen([*command, *words], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
 
 
@@ -122,14 +145,19 @@ def test_losing_a_worker_and_getting_one_changes_nothing(
     assert trials(tmp_path / "b", "whole") == undisturbed
 
 
-def test_a_scheduler_that_goes_is_told_and_the_study_goes_on_elsewhere(cluster: Cluster, task_file: Path, tmp_path: Path) -> None:
+def test_a_scheduler_that_goes_is_told_and_the_study_goes_on_elsewhere(
+    cluster: Cluster, task_file: Path, tmp_path: Path
+) -> None:
     cluster.add_worker()
     driver = begin(task_file, tmp_path / "b", "whole", "--scheduler", cluster.address)
     wait_for(driver, "generation 1")
     cluster.kill(cluster.scheduler)
     _, errors = driver.communicate(timeout=60)
     assert driver.returncode == 1
-    assert errors.splitlines()[-1] == f"tune: the scheduler {cluster.address} is gone; scripts/tune resume whole goes on"
+    assert (
+        errors.splitlines()[-1]
+        == f"tune: the scheduler {cluster.address} is gone; scripts/tune resume whole goes on"
+    )
     assert "Traceback" not in errors
     resumed = tune("resume", "whole", "--studies", tmp_path / "b", "--workers", "1")
     assert resumed.returncode == 0, resumed.stderr
@@ -146,7 +174,11 @@ def test_a_driver_that_is_killed_leaves_nothing_running_and_resumes(
     driver.communicate()
     # Whatever works for a study names its directory, or stands in it.
     for _ in range(100):
-        left = [pid for pid in map(int, filter(str.isdigit, os.listdir("/proc"))) if stands_in(pid, tmp_path / "b")]
+        left = [
+            pid
+            for pid in map(int, filter(str.isdigit, os.listdir("/proc")))
+            if stands_in(pid, tmp_path / "b")
+        ]
         if not left:
             break
         time.sleep(0.1)
@@ -200,7 +232,9 @@ def test_results_that_cannot_be_kept_are_told(tmp_path: Path) -> None:
         ResultStore(tmp_path / "results").put("run-123456", Result({}, "v"))
 
 
-def test_bad_input_ends_in_one_line(task_file: Path, tmp_path: Path, capsys: pytest.CaptureFixture[str], monkeypatch: pytest.MonkeyPatch) -> None:
+def test_bad_input_ends_in_one_line(
+    task_file: Path, tmp_path: Path, capsys: pytest.CaptureFixture[str], monkeypatch: pytest.MonkeyPatch
+) -> None:
     no_metrics = tmp_path / "no-metrics.toml"
     no_metrics.write_text(task_file.read_text().replace("touched = 1.0\nfirst_touch = -0.1", ""))
     monkeypatch.setenv(paths.PROGRAMS_VARIABLE, "")
@@ -231,5 +265,12 @@ def test_a_full_disk_is_told_and_loses_nothing(task_file: Path, tmp_path: Path) 
     assert done.returncode == 1, done.stderr
     assert "Traceback" not in done.stderr
     assert done.stderr.splitlines()[-1].startswith("tune: ")
-    again = tune("resume" if "resume full" in done.stderr else "run", *(["full"] if "resume full" in done.stderr else words[1:2] + words[2:4]), "--studies", tmp_path / "s", "--workers", "1")
+    again = tune(
+        "resume" if "resume full" in done.stderr else "run",
+        *(["full"] if "resume full" in done.stderr else words[1:2] + words[2:4]),
+        "--studies",
+        tmp_path / "s",
+        "--workers",
+        "1",
+    )
     assert again.returncode == 0, again.stderr

@@ -50,7 +50,9 @@ SHORT = [
 
 
 @pytest.mark.parametrize("kind, options", SHORT, ids=[kind for kind, _ in SHORT])
-def test_the_same_seed_gives_the_same_figures_whatever_the_load(base: Configs, kind: str, options: dict) -> None:
+def test_the_same_seed_gives_the_same_figures_whatever_the_load(
+    base: Configs, kind: str, options: dict
+) -> None:
     run = first_run(base, kind, **options)
     result = evaluate(run, details=True)
     assert result.failure is None, result.outputs
@@ -64,7 +66,9 @@ def test_the_same_seed_gives_the_same_figures_whatever_the_load(base: Configs, k
 def test_another_seed_or_other_values_give_another_match(base: Configs) -> None:
     run = first_run(base, "striker", duration=8, placed=True)
     figures = evaluate(run, details=True).figures
-    assert evaluate(first_run(base, "striker", seed=4, duration=8, placed=True), details=True).figures != figures
+    assert (
+        evaluate(first_run(base, "striker", seed=4, duration=8, placed=True), details=True).figures != figures
+    )
     slower = dict(base)
     slower["omniWalk.conf"] = base["omniWalk.conf"].replace("speed = 0.6148", "speed = 0.3")
     assert slower != base
@@ -73,7 +77,9 @@ def test_another_seed_or_other_values_give_another_match(base: Configs) -> None:
 
 def test_with_an_odd_seed_the_candidate_plays_on_the_right(base: Configs) -> None:
     for seed, side in ((4, "left"), (5, "right")):
-        figures = evaluate(first_run(base, "match", seed, duration=2, players=[9], rivals=[10]), details=True).figures
+        figures = evaluate(
+            first_run(base, "match", seed, duration=2, players=[9], rivals=[10]), details=True
+        ).figures
         assert figures and figures["teams"][side]["name"] == "Quolnaris"
         assert [player["number"] for player in figures["players"] if player["side"] == side] == [9]
 

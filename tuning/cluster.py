@@ -177,7 +177,7 @@ def local_workers(count: int | None, store: ResultStore, directory: Path) -> Ite
                 n_workers=count or os.cpu_count() or 1,
                 threads_per_worker=1,
                 processes=True,
-                dashboard_address=None,
+                dashboard_address="127.0.0.1:0",  # any free port: many clusters may run
                 local_directory=str(directory),
                 silence_logs="CRITICAL",
             )

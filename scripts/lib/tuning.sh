@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Starts a module of tuning/ with Debian's Python, whose packages it needs: sourced, not run.
 
 tuning_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)

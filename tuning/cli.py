@@ -28,10 +28,13 @@ def report_errors(work: Callable[[], int], program: str, hint: Callable[[], str]
         return 130
     except OSError as error:
         text = str(error)
-    except Exception as error:
+    except Exception as failure:
+        error: BaseException = failure
         # Storages throw whatever their database does.
         if type(error).__module__.split(".")[0] not in ("sqlalchemy", "sqlite3", "optuna"):
             raise
+        while error.__cause__ is not None:
+            error = error.__cause__
         text = f"the storage fails: {(str(error).splitlines() or [type(error).__name__])[0]}"
     print(f"{program}: {text}{hint()}", file=sys.stderr)
     return 1
@@ -75,7 +78,9 @@ def _parser() -> argparse.ArgumentParser:
     status.add_argument("name", nargs="?", help="of the study")
     _storage_options(status)
 
-    validate = _command(commands, "validate", _validate, "play shipped and best values with unused seeds again")
+    validate = _command(
+        commands, "validate", _validate, "play shipped and best values with unused seeds again"
+    )
     validate.add_argument("name", help="of the study")
     validate.add_argument("--seeds", type=_positive, help="how many (default: as the task says)")
     _storage_options(validate)
@@ -94,7 +99,9 @@ def _parser() -> argparse.ArgumentParser:
     apply.add_argument("--dry-run", action="store_true", help="only show what would change")
     _storage_options(apply)
 
-    evaluate = _command(commands, "evaluate", _evaluate, "play a directory of values as a task says, without a search")
+    evaluate = _command(
+        commands, "evaluate", _evaluate, "play a directory of values as a task says, without a search"
+    )
     evaluate.add_argument("task", type=Path, help="the task file, or the name of one in tuning/tasks")
     evaluate.add_argument("--configs", type=Path, default=paths.CONFIGS, help="the values (Configs/)")
     evaluate.add_argument("--seeds", type=_positive, help="how many (default: as the task validates)")
@@ -103,9 +110,15 @@ def _parser() -> argparse.ArgumentParser:
     add_worker_options(evaluate)
     _plain_option(evaluate)
 
+    speed = _command(commands, "speed", _speed, "measure what runs and the engine cost on this machine")
+    speed.add_argument("--evaluations", type=_positive, default=24, help="with each number of workers (24)")
+    speed.add_argument("--duration", type=_positive, default=200, help="seconds of game time of each (200)")
+
     worker = _command(commands, "worker", _worker, "join a Dask cluster with workers of this machine")
     worker.add_argument("scheduler", help="tcp://HOST:8786")
-    worker.add_argument("--workers", type=_positive, default=os.cpu_count(), help="how many (one for each core)")
+    worker.add_argument(
+        "--workers", type=_positive, default=os.cpu_count(), help="how many (one for each core)"
+    )
     worker.add_argument("--programs", type=Path, help="directory of the built programs (build/release/bin)")
     return parser
 
@@ -204,9 +217,7 @@ def _carry_on(options: argparse.Namespace, study, workers) -> int:  # type: igno
     left = max(0, 1 + task.search.population * task.search.generations - len(study.trials))
     rounds = task.search.generations // task.believe.every + 1
     again = 2 + rounds * (task.believe.few + 1)
-    planned = per_seed * (
-        left * task.search.seeds + again * task.believe.seeds + 2 * task.validation.seeds
-    )
+    planned = per_seed * (left * task.search.seeds + again * task.believe.seeds + 2 * task.validation.seeds)
     with Display(f"{study.name}: {task.title}", planned, workers.count, options.plain) as display:
         study.run(workers, display)
     _tell_result(study)
@@ -379,7 +390,16 @@ def _evaluate(options: argparse.Namespace) -> int:
     ]:
         mean, half = mean_and_half_width(column)
         middle = sorted(column)[len(column) // 2]
-        print(f"{name:<24} {mean:10.3f} +- {half:<8.3f} median {middle:.3f}, {min(column):.3f} to {max(column):.3f}")
+        print(
+            f"{name:<24} {mean:10.3f} +- {half:<8.3f} median {middle:.3f}, {min(column):.3f} to {max(column):.3f}"
+        )
+    return 0
+
+
+def _speed(options: argparse.Namespace) -> int:
+    from tuning.speed import measure
+
+    measure(options.evaluations, options.duration)
     return 0
 
 
@@ -387,5 +407,9 @@ def _worker(options: argparse.Namespace) -> int:
     if options.programs:
         os.environ[paths.PROGRAMS_VARIABLE] = str(options.programs.resolve())
     paths.version()
+    from tuning.cluster import SETTINGS
+
+    for name, value in SETTINGS.items():
+        os.environ.setdefault("DASK_" + name.replace(".", "__").replace("-", "_").upper(), str(value))
     words = ["dask-worker", options.scheduler, "--nthreads", "1", "--nworkers", str(options.workers)]
     os.execvp(words[0], [*words, "--no-dashboard", "--local-directory", str(paths.STUDIES / "scratch")])

@@ -6,7 +6,7 @@ import logging
 import os
 import signal
 from collections.abc import Callable, Iterator, Sequence
-from contextlib import contextmanager
+from contextlib import contextmanager, suppress
 from dataclasses import asdict
 from pathlib import Path
 from typing import Any
@@ -20,20 +20,27 @@ from tuning.evaluation import Result, Run, evaluate
 
 # Workers that may be lost while they carry a run out before it counts as failed.
 _RETRIES = 3
+_WAIT_FOR_SCHEDULER = 10  # s
 _WAIT_FOR_WORKERS = 60  # s
 
-# Dask looks at what its threads do a hundred times a second, which costs more than all the rest of it.
-_SETTINGS = {
+# By default Dask looks at its loops, its threads and its memory up to a hundred times a second, which
+# costs more than all the rest of it; a run takes seconds.
+SETTINGS = {
+    "distributed.admin.tick.interval": "2s",
+    "distributed.admin.tick.limit": "1h",
+    "distributed.admin.system-monitor.interval": "10s",
+    "distributed.comm.timeouts.connect": "20s",
+    "distributed.scheduler.allowed-failures": _RETRIES,
+    "distributed.scheduler.work-stealing-interval": "1s",
+    "distributed.worker.memory.monitor-interval": "5s",
     "distributed.worker.profile.interval": "10s",
     "distributed.worker.profile.cycle": "100s",
-    "distributed.admin.system-monitor.interval": "5s",
-    "distributed.scheduler.allowed-failures": _RETRIES,
-    "distributed.comm.timeouts.connect": "20s",
 }
 
 # Losses are told by this module, in one line.
-for _name in ("distributed", "tornado", "asyncio"):
-    logging.getLogger(_name).setLevel(logging.CRITICAL)
+for _name in list(logging.root.manager.loggerDict):
+    if _name.split(".")[0] in ("distributed", "tornado", "asyncio"):
+        logging.getLogger(_name).setLevel(logging.CRITICAL)
 
 Progress = Callable[[Run, Result], None]
 
@@ -61,7 +68,8 @@ class ResultStore:
             temporary.write_text(json.dumps(asdict(result)), encoding="utf-8")
             temporary.replace(path)
         except OSError as error:
-            temporary.unlink(missing_ok=True)
+            with suppress(OSError):
+                temporary.unlink()
             raise TuneError(f"cannot keep a result in {self._directory}: {error.strerror}") from None
 
 
@@ -88,6 +96,10 @@ class Workers:
             told = ", ".join(f"{worker} {text}" for worker, text in sorted(versions.items()))
             raise TuneError(f"the workers have different versions of the programs: {told}")
         return next(iter(versions.values()))
+
+    def processor_seconds(self) -> float:
+        """Of all workers and of the programs that have ended under them."""
+        return sum(self._client.run(own_seconds).values())
 
     def carry_out(
         self, runs: Sequence[Run], progress: Progress | None = None, details: bool = False
@@ -121,7 +133,8 @@ class Workers:
             for future in as_completed(futures):
                 yield future.key, self._result_of(future)
         finally:
-            self._client.cancel(futures)
+            with suppress(OSError, TimeoutError):  # of a scheduler that is gone
+                self._client.cancel(futures)
 
     def _result_of(self, future: Any) -> Result:
         if future.status == "cancelled":
@@ -139,6 +152,11 @@ class Workers:
         return result
 
 
+def own_seconds() -> float:
+    """Processor time of this process and of the children that it has waited for."""
+    return sum(os.times()[:4])
+
+
 def _version() -> str:
     try:
         return paths.version()
@@ -151,7 +169,7 @@ def local_workers(count: int | None, store: ResultStore, directory: Path) -> Ite
     """Workers on this machine, one process each; as many as cores unless told otherwise."""
     paths.version()  # complains before anything is started
     directory.mkdir(parents=True, exist_ok=True)
-    with dask.config.set(_SETTINGS):
+    with dask.config.set(SETTINGS):
         # Ctrl-C is for the driver: the workers end when it ends them.
         before = signal.signal(signal.SIGINT, signal.SIG_IGN)
         try:
@@ -159,7 +177,7 @@ def local_workers(count: int | None, store: ResultStore, directory: Path) -> Ite
                 n_workers=count or os.cpu_count() or 1,
                 threads_per_worker=1,
                 processes=True,
-                dashboard_address=None,
+                dashboard_address="127.0.0.1:0",  # any free port: many clusters may run
                 local_directory=str(directory),
                 silence_logs="CRITICAL",
             )
@@ -172,9 +190,9 @@ def local_workers(count: int | None, store: ResultStore, directory: Path) -> Ite
 @contextmanager
 def cluster_workers(address: str, store: ResultStore) -> Iterator[Workers]:
     """Workers of a cluster that runs already."""
-    with dask.config.set(_SETTINGS):
+    with dask.config.set(SETTINGS):
         try:
-            client = Client(address, timeout=20)
+            client = Client(address, timeout=_WAIT_FOR_SCHEDULER)
         except (OSError, ValueError, TimeoutError) as error:
             raise TuneError(f"no scheduler answers at {address}: {error}") from None
         with client:

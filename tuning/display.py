@@ -30,9 +30,6 @@ class Display(AbstractContextManager["Display"]):
         self._planned = planned
         self._workers = workers
         self._console = Console(stderr=True)
-        self._live = None if plain or not self._console.is_terminal else Live(
-            console=self._console, refresh_per_second=_REDRAWS, get_renderable=self._render
-        )
         self._began = time.monotonic()
         self._done = self._failed = 0
         self._step = ""
@@ -43,6 +40,10 @@ class Display(AbstractContextManager["Display"]):
             TextColumn("{task.description}"), BarColumn(), MofNCompleteColumn(), TimeElapsedColumn()
         )
         self._bar = self._bars.add_task("", total=1)
+        # The last one: it draws at once.
+        self._live = None
+        if not plain and self._console.is_terminal:
+            self._live = Live(console=self._console, refresh_per_second=_REDRAWS, get_renderable=self._render)
 
     def __enter__(self) -> "Display":
         if self._live:
@@ -98,6 +99,8 @@ class Display(AbstractContextManager["Display"]):
         table.add_row("shipped values", shown_score(self._shipped))
         table.add_row("best so far", f"[bold]{shown_score(self._best)}[/bold]")
         failed = f", {self._failed} failed" if self._failed else ""
-        table.add_row("runs", f"{self._done} of about {self._planned} done, {self._workers} at a time{failed}")
+        table.add_row(
+            "runs", f"{self._done} of about {self._planned} done, {self._workers} at a time{failed}"
+        )
         table.add_row("time left", self.time_left())
         return Panel(Group(table, self._bars), title=self._title, subtitle="Ctrl-C ends; resume goes on")

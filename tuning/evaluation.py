@@ -27,7 +27,9 @@ from tuning.stage import RunFailed, Stage
 
 CYCLE = 0.02  # s
 TEAM = "Quolnaris"
-RIVALS = "Rivals"
+# The arena takes teams that come together in the order of their names, the first one on the left.
+RIVALS_ON_THE_RIGHT = "Rivals"
+RIVALS_ON_THE_LEFT = "Opponents"
 # Silence after which the arena goes on without a player, s: far longer than any load may take. Such a
 # run has failed.
 _SILENCE = 60
@@ -124,9 +126,7 @@ def _deploy(configs: Configs, players: dict[int, int]) -> Path:
     source = place / "source"
     write_directory(configs, source)
     words = [f"{number}:{kind}" for number, kind in players.items()]
-    done = subprocess.run(
-        [paths.DEPLOY, source, place, *words], capture_output=True, text=True, check=False
-    )
+    done = subprocess.run([paths.DEPLOY, source, place, *words], capture_output=True, text=True, check=False)
     if done.returncode != 0:
         shutil.rmtree(place, ignore_errors=True)
         raise RunFailed(done.stderr.strip() or f"{paths.DEPLOY.name} failed")
@@ -149,7 +149,7 @@ def _types(numbers: list[int], given: int | None) -> dict[int, int]:
 
 
 def _play(stage: Stage, teams: list[_Team], run: Run, script: str = "") -> dict[str, Any]:
-    """Plays a match and returns what match-figures tells. The first team is on the left."""
+    """Plays a match and returns what match-figures tells."""
     duration = run.options["duration"]
     agents = sum(len(team.players) for team in teams)
     programs = paths.programs()
@@ -279,10 +279,7 @@ def _placing_script(seed: int, number: int) -> str:
     turn = draw.uniform(-180, 180)
     place_robot = f"(agent (unum {number})(team Left)(move {x:.3f} {y:.3f} 0.4 {turn:.1f}))"
     # A beam of the player may still be under way in the first of these cycles.
-    return (
-        f"{_READY} (playMode PlayOn){place_ball}{place_robot}\n"
-        f"{_READY + 3} {place_robot}\n"
-    )
+    return f"{_READY} (playMode PlayOn){place_ball}{place_robot}\n" f"{_READY + 3} {place_robot}\n"
 
 
 def _kick_off_touch(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
@@ -306,12 +303,15 @@ def _match(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     """With an odd seed the candidate plays on the right."""
     options = run.options
     right = options["side"] == "right" or (options["side"] == "both" and run.seed % 2 == 1)
+    side, other = ("right", "left") if right else ("left", "right")
+    rivals = RIVALS_ON_THE_LEFT if right else RIVALS_ON_THE_RIGHT
     teams = [
         _Team(TEAM, run.configs, _types(options["players"], None)),
-        _Team(RIVALS, run.rivals, _types(options["rivals"], None)),
+        _Team(rivals, run.rivals, _types(options["rivals"], None)),
     ]
-    figures = _play(stage, teams[::-1] if right else teams, run, _kick_off(run))
-    side, other = ("right", "left") if right else ("left", "right")
+    figures = _play(stage, teams, run, _kick_off(run))
+    if figures["teams"][side]["name"] != TEAM:
+        raise RunFailed(f"the candidate does not play on the {side}")
     metrics = _team_metrics(figures, side, options["duration"])
     theirs = _team_metrics(figures, other, options["duration"])
     metrics["rival_falls_per_minute"] = theirs["falls_per_minute"]

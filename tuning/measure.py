@@ -70,7 +70,9 @@ def _full_rows(result: Result) -> list[tuple[str, str]]:
 
     def calls(what: str) -> str:
         sides = ("left", "right")
-        return " : ".join(str(sum(p.get(what, 0) for p in report["players"] if p["team"] == s)) for s in sides)
+        return " : ".join(
+            str(sum(p.get(what, 0) for p in report["players"] if p["team"] == s)) for s in sides
+        )
 
     per_player = minutes * len(players)
     return [
@@ -82,11 +84,17 @@ def _full_rows(result: Result) -> list[tuple[str, str]]:
         ("falls", f"{falls} ({falls / per_player:.2f} a player and minute)"),
         ("stand-ups", f"{ups} ({ups / per_player:.2f} a player and minute)"),
         ("walked", f"{statistics.fmean(player['walked'] for player in players):.0f} m a player"),
-        ("fouls", ", ".join(f"{n} x {what.replace('_', ' ')}" for what, n in sorted(fouls.items())) or "none"),
+        (
+            "fouls",
+            ", ".join(f"{n} x {what.replace('_', ' ')}" for what, n in sorted(fouls.items())) or "none",
+        ),
         ("calls said", calls("said")),
         ("calls heard", calls("heard")),
         ("processor time of a player a cycle", f"{_cycle_cost(result, len(players)):.0f} us"),
-        ("speed with all players on this machine", f"{figures['cycles'] * CYCLE / result.seconds['wall']:.1f} x real time"),
+        (
+            "speed with all players on this machine",
+            f"{figures['cycles'] * CYCLE / result.seconds['wall']:.1f} x real time",
+        ),
     ]
 
 
@@ -98,9 +106,13 @@ def measure_play(words: Sequence[str] | None = None) -> int:
         " played before is taken from the results that are kept.",
     )
     parser.add_argument("--seeds", type=int, default=10, help="matches of the lone striker (default 10)")
-    parser.add_argument("--number", type=int, default=11, choices=_ALL, help="of the lone striker (default 11)")
+    parser.add_argument(
+        "--number", type=int, default=11, choices=_ALL, help="of the lone striker (default 11)"
+    )
     parser.add_argument("--lone", type=int, default=300, help="seconds of each of them (default 300)")
-    parser.add_argument("--full", type=int, default=300, help="seconds of the full match, 0: none (default 300)")
+    parser.add_argument(
+        "--full", type=int, default=300, help="seconds of the full match, 0: none (default 300)"
+    )
     parser.add_argument("--seed", type=int, default=1, help="seed of the full match (default 1)")
     parser.add_argument("--configs", type=Path, default=paths.CONFIGS, help="the values (Configs/)")
     add_worker_options(parser)
@@ -114,8 +126,12 @@ def measure_play(words: Sequence[str] | None = None) -> int:
         runs.append(Run("match", full, options.seed, configs, configs))
     results = _carry_out(options, runs)
     if options.seeds > 0:
-        print(f"### A lone striker, number {options.number}, against an empty goal, {options.lone} s of game time\n")
-        print("| seed | first touch | first goal | goals | ball moved | falls | stand-ups | walked | outside | processor time a cycle |")
+        print(
+            f"### A lone striker, number {options.number}, against an empty goal, {options.lone} s of game time\n"
+        )
+        print(
+            "| seed | first touch | first goal | goals | ball moved | falls | stand-ups | walked | outside | processor time a cycle |"
+        )
         print("|---|---|---|---|---|---|---|---|---|---|")
         for run, result in zip(runs[: options.seeds], results):
             print(_lone_row(run, result))
@@ -167,7 +183,9 @@ def _stance(rows: Sequence[Metrics]) -> str:
 
 
 def _gait(rows: Sequence[Metrics]) -> str:
-    ahead, left, rate = (_median([row[n] for row in rows]) for n in ("forward_speed", "left_speed", "turn_rate"))
+    ahead, left, rate = (
+        _median([row[n] for row in rows]) for n in ("forward_speed", "left_speed", "turn_rate")
+    )
     return f"{ahead:+.2f} m/s ahead, {left:+.2f} m/s left, {rate:+.1f} deg/s"
 
 
@@ -254,10 +272,14 @@ def motion_report(words: Sequence[str] | None = None) -> int:
         " Markdown table, beside what the same motions do on the league's server.",
     )
     parser.add_argument("--runs", type=int, default=8, help="of each motion, each with a seed of its own (8)")
-    parser.add_argument("--type", type=int, default=0, choices=range(5), help="robot type (0); some rows keep theirs")
+    parser.add_argument(
+        "--type", type=int, default=0, choices=range(5), help="robot type (0); some rows keep theirs"
+    )
     parser.add_argument("--noise", type=float, default=0.01, help="error of the joint speeds, rad/s (0.01)")
     parser.add_argument("--configs", type=Path, default=paths.CONFIGS, help="the values (Configs/)")
-    parser.add_argument("--keep", type=Path, metavar="DIR", help="keep each run's values and each first run's picture there")
+    parser.add_argument(
+        "--keep", type=Path, metavar="DIR", help="keep each run's values and each first run's picture there"
+    )
     add_worker_options(parser)
     options = parser.parse_args(words)
     if options.runs < 1:
@@ -301,4 +323,9 @@ def _keep(directory: Path, name: str, results: Sequence[Result]) -> None:
 
 if __name__ == "__main__":
     command = {"play": measure_play, "motions": motion_report}[sys.argv[1]]
-    sys.exit(report_errors(lambda: command(sys.argv[2:]), f"scripts/{'measure-play' if command is measure_play else 'motion-report'}"))
+    sys.exit(
+        report_errors(
+            lambda: command(sys.argv[2:]),
+            f"scripts/{'measure-play' if command is measure_play else 'motion-report'}",
+        )
+    )

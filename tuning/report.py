@@ -22,7 +22,13 @@ import matplotlib.pyplot as plt  # noqa: E402  the backend must be chosen before
 
 # Text stays text: smaller, and a reader's fonts serve.
 matplotlib.rcParams.update(
-    {"svg.fonttype": "none", "svg.hashsalt": "tune", "font.family": "sans-serif", "axes.grid": True, "grid.alpha": 0.3}
+    {
+        "svg.fonttype": "none",
+        "svg.hashsalt": "tune",
+        "font.family": "sans-serif",
+        "axes.grid": True,
+        "grid.alpha": 0.3,
+    }
 )
 _SHIPPED, _BEST, _TRIAL, _MIDDLE = "#7a7f87", "#1b7f4d", "#9db7d6", "#1f4e8c"
 _MOST_IMPORTANT = 20
@@ -92,19 +98,28 @@ def _picture(width: float, height: float, draw: Callable[[plt.Axes], None]) -> s
 def _summary(study: Study) -> str:
     task, trials = study.task, study.trials
     failed = sum(trial.state == TrialState.FAIL for trial in trials)
-    objective = " ".join(f"{weight:+g} &times; {html.escape(name)}" for name, weight in task.objective.items())
+    objective = " ".join(
+        f"{weight:+g} &times; {html.escape(name)}" for name, weight in task.objective.items()
+    )
     limits = ", ".join(f"{html.escape(n)} within {l.low:g} to {l.high:g}" for n, l in task.limits.items())
     search = task.search
     rows = [
         ("task", html.escape(task.title)),
         ("score", objective + (f"; hard limits: {limits}" if limits else "")),
-        ("search", f"{search.sampler}, {search.generations} generations of {search.population}, {search.seeds} seeds each, study seed {search.seed}"),
+        (
+            "search",
+            f"{search.sampler}, {search.generations} generations of {search.population}, {search.seeds} seeds each, study seed {search.seed}",
+        ),
         ("trials", f"{len(trials)}, {failed} of them failed"),
         ("on the seeds of belief", f"shipped {_contender(study.shipped)}, best {_contender(study.best)}"),
         ("programs, values, task", f"{study.version}, {study.attribute('base_hash')}, {task.hash}"),
         ("written", time.strftime("%Y-%m-%d %H:%M")),
     ]
-    return "<table>" + "".join(f"<tr><td>{a}</td><td style='text-align:left'>{b}</td></tr>" for a, b in rows) + "</table>"
+    return (
+        "<table>"
+        + "".join(f"<tr><td>{a}</td><td style='text-align:left'>{b}</td></tr>" for a, b in rows)
+        + "</table>"
+    )
 
 
 def _contender(contender) -> str:  # type: ignore[no-untyped-def]
@@ -123,12 +138,23 @@ def _course(study: Study, done: Sequence[FrozenTrial]) -> str:
 
     def draw(axes: plt.Axes) -> None:
         axes.scatter(
-            [t.user_attrs["generation"] for t in good], [t.value for t in good], s=14, color=_TRIAL, label="trials"
+            [t.user_attrs["generation"] for t in good],
+            [t.value for t in good],
+            s=14,
+            color=_TRIAL,
+            label="trials",
         )
         generations = sorted(by_generation)
-        axes.plot(generations, [statistics.median(by_generation[g]) for g in generations], color=_MIDDLE, label="median of a generation")
+        axes.plot(
+            generations,
+            [statistics.median(by_generation[g]) for g in generations],
+            color=_MIDDLE,
+            label="median of a generation",
+        )
         if study.shipped and study.shipped.score > PENALTY:
-            axes.axhline(study.shipped.score, color=_SHIPPED, linestyle="--", label="shipped values, seeds of belief")
+            axes.axhline(
+                study.shipped.score, color=_SHIPPED, linestyle="--", label="shipped values, seeds of belief"
+            )
         if study.best and study.best.score > PENALTY:
             axes.axhline(study.best.score, color=_BEST, linestyle="--", label="best, seeds of belief")
         axes.set_xlabel("generation")
@@ -139,7 +165,11 @@ def _course(study: Study, done: Sequence[FrozenTrial]) -> str:
     note = f" {broken} trials broke a hard limit and are not shown." if broken else ""
     return _section(
         "How the search went",
-        _paragraph("Each generation has seeds of its own, the same for all of its candidates; so scores of different generations differ by luck too." + note, "note"),
+        _paragraph(
+            "Each generation has seeds of its own, the same for all of its candidates; so scores of different generations differ by luck too."
+            + note,
+            "note",
+        ),
         _picture(8, 3.6, draw),
     )
 
@@ -168,15 +198,21 @@ def _importance(study: Study, done: Sequence[FrozenTrial]) -> str:
 def _validation(study: Study) -> str:
     comparison = study.validation()
     if comparison is None or not comparison.seeds:
-        return _section("Shipped against best", _paragraph("Not played with the seeds of validation yet.", "note"))
+        return _section(
+            "Shipped against best", _paragraph("Not played with the seeds of validation yet.", "note")
+        )
     shipped, best = comparison.scores()
     gain, half = comparison.gain()
     rows = [_row("score", shipped, best)]
     names = list(study.task.objective) + [n for n in comparison.best[0] if n not in study.task.objective]
     for name in names:
-        rows.append(_row(name, [row[name] for row in comparison.shipped], [row[name] for row in comparison.best]))
+        rows.append(
+            _row(name, [row[name] for row in comparison.shipped], [row[name] for row in comparison.best])
+        )
     refusal = reason_to_refuse(comparison)
-    verdict = f"The best is better by {gain:.3f}; with 95 % certainty by {gain - half:.3f} to {gain + half:.3f}."
+    verdict = (
+        f"The best is better by {gain:.3f}; with 95 % certainty by {gain - half:.3f} to {gain + half:.3f}."
+    )
     return _section(
         "Shipped against best",
         _paragraph(
@@ -216,7 +252,10 @@ def _spread(study: Study) -> str:
         name = names[at]
         boxes = axes.boxplot(
             [[row[name] for row in comparison.shipped], [row[name] for row in comparison.best]],
-            labels=["shipped", "best"], patch_artist=True, widths=0.6, flierprops={"markersize": 3},
+            labels=["shipped", "best"],
+            patch_artist=True,
+            widths=0.6,
+            flierprops={"markersize": 3},
         )
         for box, colour in zip(boxes["boxes"], (_SHIPPED, _BEST)):
             box.set(facecolor=colour, alpha=0.5)
@@ -226,7 +265,9 @@ def _spread(study: Study) -> str:
     figure.savefig(text, format="svg", metadata={"Date": None})
     plt.close(figure)
     picture = text.getvalue()[text.getvalue().index("<svg") :]
-    return _section("Spread of the metrics", _paragraph("One value for each seed of validation.", "note"), picture)
+    return _section(
+        "Spread of the metrics", _paragraph("One value for each seed of validation.", "note"), picture
+    )
 
 
 def _varies(comparison: Comparison, name: str) -> bool:
@@ -261,4 +302,7 @@ def _failures(study: Study) -> str:
 
 
 def _task(study: Study) -> str:
-    return _section("Task", f"<details><summary>the task file</summary><pre>{html.escape(study.task.text)}</pre></details>")
+    return _section(
+        "Task",
+        f"<details><summary>the task file</summary><pre>{html.escape(study.task.text)}</pre></details>",
+    )

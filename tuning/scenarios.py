@@ -67,8 +67,14 @@ def _duration(seconds: int) -> Option:
 
 
 def _motion_kind(
-    text: str, measure: str, metrics: str, seconds: int, motions: tuple[str, ...], default: list[str],
-    more: dict[str, Option] | None = None, fixed: dict[str, Any] | None = None,
+    text: str,
+    measure: str,
+    metrics: str,
+    seconds: int,
+    motions: tuple[str, ...],
+    default: list[str],
+    more: dict[str, Option] | None = None,
+    fixed: dict[str, Any] | None = None,
 ) -> Kind:
     """One of the player's motions, driven by the program `motion`."""
     types = Option([0], _list_of(_whole(0, 4)), "robot types, each in a run of its own", each="type")
@@ -81,7 +87,10 @@ def _motion_kind(
     }
     if len(motions) > 1:
         options["motions"] = Option(
-            default, _list_of(_one_of(*motions)), f"out of {', '.join(motions)}; each in a run of its own", each="motion"
+            default,
+            _list_of(_one_of(*motions)),
+            f"out of {', '.join(motions)}; each in a run of its own",
+            each="motion",
         )
     else:
         fixed = {**(fixed or {}), "motion": motions[0]}
@@ -106,23 +115,47 @@ _GAIT_METRICS = "speed stray turn_rate falls"
 KINDS: dict[str, Kind] = {
     "course": _motion_kind(
         "walks to a row of drawn points with the long stride, with stops and starts",
-        "course", "pace points seconds lost falls falls_walking falls_stopping falls_starting",
-        90, ("course",), ["course"], _speed(0.3),
+        "course",
+        "pace points seconds lost falls falls_walking falls_stopping falls_starting",
+        90,
+        ("course",),
+        ["course"],
+        _speed(0.3),
     ),
     "turn": _motion_kind(
-        "turns on the spot", "turn", _TURN_METRICS, 6, ("turn",), ["turn"],
-        _angles(60, 120, -60, -120), {"lead": 1.16},
+        "turns on the spot",
+        "turn",
+        _TURN_METRICS,
+        6,
+        ("turn",),
+        ["turn"],
+        _angles(60, 120, -60, -120),
+        {"lead": 1.16},
     ),
     "circle": _motion_kind(
-        "turns around the ball", "turn", _TURN_METRICS, 8, ("around-ball",), ["around-ball"],
-        _angles(60, 120, -60, -120), {"lead": 1.16},
+        "turns around the ball",
+        "turn",
+        _TURN_METRICS,
+        8,
+        ("around-ball",),
+        ["around-ball"],
+        _angles(60, 120, -60, -120),
+        {"lead": 1.16},
     ),
     "walk": _motion_kind(
-        "walks straight ahead", "gait", _GAIT_METRICS, 8, ("omni-long", "omni", "forwalk"), ["omni-long"],
+        "walks straight ahead",
+        "gait",
+        _GAIT_METRICS,
+        8,
+        ("omni-long", "omni", "forwalk"),
+        ["omni-long"],
         _speed(0.3),
     ),
     "side": _motion_kind(
-        "walks sideways", "gait", _GAIT_METRICS, 8,
+        "walks sideways",
+        "gait",
+        _GAIT_METRICS,
+        8,
         ("side-left", "side-right", "omni-left", "omni-right"),
         ["side-left", "side-right", "omni-left", "omni-right"],
     ),
@@ -130,12 +163,20 @@ KINDS: dict[str, Kind] = {
         "walks backwards", "gait", _GAIT_METRICS, 8, ("omni-back", "backwalk"), ["omni-back"], _speed(0.8)
     ),
     "kick": _motion_kind(
-        "kicks a ball in front of the foot", "kick", "hit distance direction falls stands", 6,
-        ("kick-right", "kick-left", "kick-strong"), ["kick-right", "kick-left"],
+        "kicks a ball in front of the foot",
+        "kick",
+        "hit distance direction falls stands",
+        6,
+        ("kick-right", "kick-left", "kick-strong"),
+        ["kick-right", "kick-left"],
     ),
     "get-up": _motion_kind(
-        "stands up from the front and from the back", "get-up", "stands done seconds falls", 6,
-        ("stand-up-front", "stand-up-back"), ["stand-up-front", "stand-up-back"],
+        "stands up from the front and from the back",
+        "get-up",
+        "stands done seconds falls",
+        6,
+        ("stand-up-front", "stand-up-back"),
+        ["stand-up-front", "stand-up-back"],
     ),
     "striker": Kind(
         "one player and an empty goal",

@@ -36,10 +36,17 @@ _FIRST_STEP = 1.0
 class Watch(Protocol):
     """Is told how a study goes on."""
 
-    def begin(self, title: str, runs: int) -> None: ...
-    def progress(self, run: Run, result: Result) -> None: ...
-    def note(self, text: str) -> None: ...
-    def standing(self, shipped: float | None, best: float | None, generation: int) -> None: ...
+    def begin(self, title: str, runs: int) -> None:
+        ...
+
+    def progress(self, run: Run, result: Result) -> None:
+        ...
+
+    def note(self, text: str) -> None:
+        ...
+
+    def standing(self, shipped: float | None, best: float | None, generation: int) -> None:
+        ...
 
 
 @dataclass
@@ -60,7 +67,11 @@ class Contender:
 
 
 def evaluate_candidates(
-    task: Task, workers: Workers, candidates: Sequence[Configs], run_seeds: Sequence[int], watch: Watch,
+    task: Task,
+    workers: Workers,
+    candidates: Sequence[Configs],
+    run_seeds: Sequence[int],
+    watch: Watch,
     title: str,
 ) -> list[Outcome]:
     """Plays every candidate with every seed."""
@@ -124,13 +135,17 @@ class Study:
     # --- Making and opening ------------------------------------------------------------------------
 
     @classmethod
-    def create(cls, name: str, task: Task, version: str, storage: optuna.storages.BaseStorage, directory: Path) -> "Study":
+    def create(
+        cls, name: str, task: Task, version: str, storage: optuna.storages.BaseStorage, directory: Path
+    ) -> "Study":
         if _is_unfinished(name, storage):
             optuna.delete_study(study_name=name, storage=storage)
         try:
             study = optuna.create_study(storage=storage, study_name=name, direction="maximize")
         except optuna.exceptions.DuplicatedStudyError:
-            raise TuneError(f"there is a study '{name}' already: go on with 'resume {name}', or give another --name") from None
+            raise TuneError(
+                f"there is a study '{name}' already: go on with 'resume {name}', or give another --name"
+            ) from None
         record = {
             "task": task.text,
             "task_hash": task.hash,
@@ -216,7 +231,9 @@ class Study:
                 )
             )
         if not self.beliefs:
-            self._judge_contenders([("shipped values", None), ("start", self._moved(self.trials[0]))], workers, watch)
+            self._judge_contenders(
+                [("shipped values", None), ("start", self._moved(self.trials[0]))], workers, watch
+            )
 
     def _generation(self, generation: int, workers: Workers, watch: Watch) -> None:
         population = self.task.search.population
@@ -268,7 +285,14 @@ class Study:
     def _distributions(self) -> dict[str, FloatDistribution]:
         return {knob.name: FloatDistribution(*knob.range) for knob in self.task.knobs}
 
-    def _play(self, candidates: Sequence[dict[str, float] | None], run_seeds: Sequence[int], workers: Workers, watch: Watch, title: str) -> list[Outcome]:
+    def _play(
+        self,
+        candidates: Sequence[dict[str, float] | None],
+        run_seeds: Sequence[int],
+        workers: Workers,
+        watch: Watch,
+        title: str,
+    ) -> list[Outcome]:
         texts = [self.configs_of(moved) for moved in candidates]
         return evaluate_candidates(self.task, workers, texts, run_seeds, watch, title)
 

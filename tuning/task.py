@@ -215,7 +215,7 @@ def parse_task(text: str, base: Configs, directory: Path, rivals: list[Configs |
     if len({knob.name for knob in knobs}) < len(knobs):
         raise TuneError("a [[key]] is named twice")
     if search.sampler == "cma-es" and len(knobs) < 2:
-        raise TuneError("cma-es needs two values or more that may move; take sampler = \"tpe\"")
+        raise TuneError('cma-es needs two values or more that may move; take sampler = "tpe"')
     return Task(
         title=str(table.get("title", "")),
         text=text,
@@ -304,7 +304,9 @@ def _read_plain(kind: type, name: str, table: dict[str, Any]) -> Any:
         wanted = type(fields[key].default)
         least = 0 if key in ("few", "seed", "first", "generations") else 1
         if type(value) is not wanted or (wanted is int and value < least):
-            raise TuneError(f"[{name}] {key} = {value!r} must be a {'word' if wanted is str else f'whole number from {least}'}")
+            raise TuneError(
+                f"[{name}] {key} = {value!r} must be a {'word' if wanted is str else f'whole number from {least}'}"
+            )
     return kind(**section)
 
 
@@ -327,8 +329,10 @@ def _read_knobs(entry: dict[str, Any], base: Configs) -> list[Knob]:
     place = _read_place(what, entry)
     atoms = place.read(base)
     indices = entry.get("indices", [entry["index"]] if "index" in entry else list(range(len(atoms))))
-    if not isinstance(indices, list) or not indices or not all(
-        type(i) is int and 0 <= i < len(atoms) for i in indices
+    if (
+        not isinstance(indices, list)
+        or not indices
+        or not all(type(i) is int and 0 <= i < len(atoms) for i in indices)
     ):
         raise TuneError(f"{what}: indices {indices!r} are not all within 0 to {len(atoms) - 1}")
     kind = entry.get("type", "float")

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Starts a module of tuning/ with Debian's Python, whose packages it needs: sourced, not run.
 
 tuning_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -6,7 +7,8 @@ tuning_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 run_tuning() {
   local module=$1 python=/usr/bin/python3
   shift
-  if ! "$python" -c 'import cmaes, distributed, matplotlib, optuna, rich, sklearn' 2> /dev/null; then
+  local packages='cmaes distributed matplotlib optuna rich sklearn'
+  if ! "$python" -c 'import sys; from importlib.util import find_spec; sys.exit(not all(map(find_spec, sys.argv[1].split())))' "$packages"; then
     echo "${0##*/}: packages are missing; scripts/setup --tune installs them" >&2
     exit 1
   fi

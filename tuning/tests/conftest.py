@@ -51,10 +51,19 @@ def small_task(base: Configs) -> Task:
     return parse_task(SMALL_TASK, base, paths.ROOT)
 
 
-@pytest.fixture
-def small_task_file(tmp_path: Path) -> Path:
-    path = tmp_path / "small.toml"
-    path.write_text(SMALL_TASK)
+# The same with as few and as short runs as will do.
+TINY_TASK = (
+    SMALL_TASK.replace("duration = 5", "duration = 2")
+    .replace("population = 5", "population = 4")
+    .replace("seeds = 2", "seeds = 1")
+    .replace("seeds = 3", "seeds = 2")
+)
+
+
+@pytest.fixture(scope="session")
+def task_file(tmp_path_factory: pytest.TempPathFactory) -> Path:
+    path = tmp_path_factory.mktemp("task") / "tiny.toml"
+    path.write_text(TINY_TASK)
     return path
 
 
@@ -96,11 +105,14 @@ class SilentWatch:
     def __init__(self) -> None:
         self.notes: list[str] = []
 
-    def begin(self, title: str, runs: int) -> None: ...
+    def begin(self, title: str, runs: int) -> None:
+        ...
 
-    def progress(self, run: Run, result: Result) -> None: ...
+    def progress(self, run: Run, result: Result) -> None:
+        ...
 
     def note(self, text: str) -> None:
         self.notes.append(text)
 
-    def standing(self, shipped: float | None, best: float | None, generation: int) -> None: ...
+    def standing(self, shipped: float | None, best: float | None, generation: int) -> None:
+        ...

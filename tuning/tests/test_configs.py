@@ -38,7 +38,9 @@ def test_setting_a_value_keeps_comments_order_and_blanks(configs: Configs) -> No
     assert configs["File.conf"].endswith("[one]\nplain = 7\n")
 
 
-@pytest.mark.parametrize("file, group, key", [("None", "one", "plain"), ("File", "three", "plain"), ("File", "one", "none")])
+@pytest.mark.parametrize(
+    "file, group, key", [("None", "one", "plain"), ("File", "three", "plain"), ("File", "one", "none")]
+)
 def test_what_is_not_there_is_told(configs: Configs, file: str, group: str, key: str) -> None:
     with pytest.raises(TuneError):
         read_value(configs, "all", file, group, key)

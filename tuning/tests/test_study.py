@@ -45,7 +45,9 @@ def test_a_study_finds_something_better(finished: Study) -> None:
     assert reason_to_refuse(comparison) is None
 
 
-def test_all_candidates_of_a_generation_get_the_same_seeds_and_the_next_fresh_ones(small_task: Task, tmp_path: Path) -> None:
+def test_all_candidates_of_a_generation_get_the_same_seeds_and_the_next_fresh_ones(
+    small_task: Task, tmp_path: Path
+) -> None:
     workers = FakeWorkers()
     begin(small_task, tmp_path).run(workers, SilentWatch())
     # Two seeds of the start, belief for shipped and start, then five candidates with two seeds.
@@ -56,7 +58,9 @@ def test_all_candidates_of_a_generation_get_the_same_seeds_and_the_next_fresh_on
 
 
 @pytest.mark.parametrize("sampler", ["cma-es", "tpe", "random"])
-def test_a_study_that_is_stopped_anywhere_ends_as_if_it_had_not_been(small_task: Task, tmp_path: Path, sampler: str) -> None:
+def test_a_study_that_is_stopped_anywhere_ends_as_if_it_had_not_been(
+    small_task: Task, tmp_path: Path, sampler: str
+) -> None:
     task = replace(small_task, search=replace(small_task.search, sampler=sampler))
     whole = begin(task, tmp_path, "whole")
     whole.run(FakeWorkers(), SilentWatch())
@@ -75,7 +79,9 @@ def test_a_study_that_is_stopped_anywhere_ends_as_if_it_had_not_been(small_task:
     assert broken.attribute("validation") == whole.attribute("validation")
 
 
-def test_a_driver_that_is_killed_within_asking_and_telling_loses_nothing(small_task: Task, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+def test_a_driver_that_is_killed_within_asking_and_telling_loses_nothing(
+    small_task: Task, tmp_path: Path, monkeypatch: pytest.MonkeyPatch
+) -> None:
     whole = begin(small_task, tmp_path, "whole")
     whole.run(FakeWorkers(), SilentWatch())
     broken = begin(small_task, tmp_path, "broken")
@@ -189,7 +195,13 @@ def test_the_report_needs_no_network(finished: Study, tmp_path: Path) -> None:
     # Names of XML vocabularies are no addresses to load from.
     for word in ("<script", "<link", "src=", "@import", "url(http"):
         assert word not in page
-    for section in ("How the search went", "What mattered", "Shipped against best", "Spread of the metrics", "Changed values"):
+    for section in (
+        "How the search went",
+        "What mattered",
+        "Shipped against best",
+        "Spread of the metrics",
+        "Changed values",
+    ):
         assert section in page
     assert page.count("<svg") == 3
     assert "+p11 =" in page

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "FramedLink.h"
+
 namespace {
 
 namespace asio = boost::asio;
@@ -18,7 +20,6 @@ using asio::ip::tcp;
 
 // Answers that ask for the place. The first ones may come before the number has been accepted.
 constexpr int kBeams = 20;
-constexpr std::uint32_t kLongestFrame = 1U << 20U;
 
 // Where the numbers 1 to 11 stand: metres in the frame of a team that plays towards +x.
 struct Place {
@@ -53,9 +54,8 @@ class StillPlayer {
   void awaitPrefix() {
     asio::async_read(socket_, asio::buffer(prefix_), [this](const auto& error, std::size_t) {
       if (error) return;  // the server has gone, and so does this robot
-      std::uint32_t length = 0;
-      for (const unsigned char byte : prefix_) length = length << 8U | byte;
-      if (length > kLongestFrame) return;
+      const std::uint32_t length = frameLength({prefix_.data(), prefix_.size()});
+      if (length > FramedLink::kLongest) return;
       frame_.resize(length);
       asio::async_read(socket_, asio::buffer(frame_), [this](const auto& failure, std::size_t) {
         if (failure) return;
@@ -80,21 +80,15 @@ class StillPlayer {
   }
 
   void send(const std::string& text) {
-    const auto size = static_cast<std::uint32_t>(text.size());
-    std::string frame;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-      frame.push_back(static_cast<char>(size >> static_cast<unsigned>(shift)));
-    }
-    frame += text;
     boost::system::error_code gone;  // shows at the next read
-    asio::write(socket_, asio::buffer(frame), gone);
+    asio::write(socket_, asio::buffer(framed(text)), gone);
   }
 
   tcp::socket socket_;
   std::string team_;
   int number_;
   int answers_ = 0;
-  std::array<unsigned char, 4> prefix_{};
+  std::array<char, kFrameHead> prefix_{};
   std::string frame_;
 };
 

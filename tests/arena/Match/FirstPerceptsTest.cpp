@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "Match/Match.h"
 #include "FrameRecording.h"
+#include "Match/Match.h"
 
 namespace arena {
 namespace {

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// A store like that of the deployment: a dozen files of a group with a dozen keys.
+// A store like that of the deployment: a dozen files of a group with a dozen keys.
 void fillConfig() {
   for (const char* file : {"Agent", "Formation", "WorldModel", "decision", "forWalk", "backWalk",
                            "sideWalk", "omniWalk", "omniBackWalk", "omniSideWalk", "Turn", "TAB"}) {

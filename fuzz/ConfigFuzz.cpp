@@ -38,7 +38,7 @@ std::string withoutBlanksAround(std::string text) {
   return text.substr(begin);
 }
 
-/// What a line is, by the grammar.
+// What a line is, by the grammar.
 struct Line {
   enum Kind { SKIPPED, GROUP, VALUE, FAILS, THROWS } kind;
   std::string name = {};
@@ -66,7 +66,7 @@ Line read(const std::string& line) {
 
 using Groups = std::map<std::string, std::map<std::string, std::string>>;
 
-/// A file without failing lines, and what it holds.
+// A file without failing lines, and what it holds.
 struct Expectation {
   std::string file;
   Groups groups;
@@ -111,7 +111,7 @@ std::vector<std::string> atomsOf(const std::string& text) {
   return atoms;
 }
 
-/// Whether the text begins with a number, without the words for infinity and its like.
+// Whether the text begins with a number, without the words for infinity and its like.
 bool startsWithDigit(const std::string& text) {
   const std::size_t sign = text.starts_with('-') || text.starts_with('+') ? 1 : 0;
   return text.size() > sign && std::isdigit(static_cast<unsigned char>(text[sign]));
@@ -136,7 +136,7 @@ void checkValue(const ConfigValue& value, const std::string& text) {
   if (startsWithDigit(text)) CHECK(value.asInt() == value[0].asInt());
 }
 
-/// A file in memory with a path.
+// A file in memory with a path.
 class MemoryFile {
  public:
   explicit MemoryFile(const std::string& contents) : fd(memfd_create("config", 0)) {

@@ -8,7 +8,7 @@
 
 // What one motion of the robot did, cycle by cycle, and the figures that sum it up.
 //
-// Positions are metres in the frame of the own team (opponent's goal at +x, y to the left),
+// Positions are metres in the frame of its own team (opponent's goal at +x, y to the left),
 // headings degrees from +x, positive to the left. Time is in cycles of 20 ms from the start of the
 // motion.
 

@@ -72,7 +72,7 @@ struct Pose {
   double heading = 0;  // degrees
 };
 
-// The truth of a recording, in the frame of the own team, found by game time.
+// The truth of a recording, in the frame of its own team, found by game time.
 class Truth {
  public:
   Truth(std::vector<TruthLine> lines, TeamSide side, int number)
@@ -99,7 +99,7 @@ class Truth {
  private:
   static long hundredths(double seconds) { return std::lround(seconds * 100); }
 
-  // From the world frame to that of the own team, whose goal lies at negative x.
+  // From the world frame to that of its own team, whose goal lies at negative x.
   Point turned(double x, double y) const {
     return side_ == SIDE_RIGHT ? Point{-x, -y} : Point{x, y};
   }
@@ -123,11 +123,11 @@ struct Belief {
   float time = 0;
   PlayMode mode = PM_ILLEGAL;
   Pose self;
-  bool located = false;      // an estimate of the own position has been made by now
+  bool located = false;      // an estimate of its own position has been made by now
   bool sawLandmark = false;  // in this frame
   int landmarks = 0;
   std::optional<Point> ball;        // as seen in this frame
-  std::vector<SeenPlayer> players;  // as seen in this frame, the own body left out
+  std::vector<SeenPlayer> players;  // as seen in this frame, its own body left out
   bool fallen = false;
 };
 
@@ -323,7 +323,7 @@ std::string pointText(const std::optional<Point>& point) {
 
 void printTable(const Options& options, const Story& story, const Truth* truth) {
   printHeading("Over time");
-  std::cout << "Metres and degrees in the frame of the own team, its goal at x = -15. The ball and "
+  std::cout << "Metres and degrees in the frame of its own team, its goal at x = -15. The ball and "
                "the players\nas far as seen in the same moment; \"seen\" counts landmarks, "
                "team-mates, opponents.\n\n";
   std::cout << "  time  mode             |  believed        facing |";
@@ -443,7 +443,7 @@ void writePicture(const Options& options, const Story& story,
              truth != nullptr ? "where it was and where it believed to be"
                               : "where it believed to be"),
       fs::path(options.recording).filename().string() +
-          ", in the frame of the own team: it attacks to the right (side: " + sideName(story.side) +
+          ", in the frame of its own team: it attacks to the right (side: " + sideName(story.side) +
           ")");
 
   PitchPicture::Path believed, actual, ballSeen, ballTrue;
@@ -583,7 +583,7 @@ int main(int argc, char** argv) {
   app.add_option("--number", options.number,
                  "uniform number of the player; else what the recording tells, else Agent.conf's")
       ->check(CLI::Range(1, 11));
-  app.add_option("--team", options.team, "name of the own team; else Agent.conf's");
+  app.add_option("--team", options.team, "name of its own team; else Agent.conf's");
   app.add_option("--configs", options.configs, "directory of the configuration files")
       ->capture_default_str();
   app.add_flag("--quiet", options.quiet, "leave the table over time out");

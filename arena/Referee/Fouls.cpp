@@ -11,7 +11,7 @@ namespace arena {
 
 namespace {
 
-// The own penalty area with all that lies behind it: the goalie's reserve.
+// Its own penalty area with all that lies behind it: the goalie's reserve.
 bool inGoaliesArea(const RobotView& robot) {
   const Eigen::Vector3d place = robot.torso.translation();
   return ownGoalSign(robot.side) * place.x() >= kHalfLength - kPenaltyLength &&

@@ -27,7 +27,7 @@ constexpr double kNoGoing = 1000;
 // x differences, y differences and slope differences up to this count as none.
 constexpr double kLevel = 0.1;
 
-// The line of the own goal that a shot is expected to cross, metres.
+// The line of its own goal that a shot is expected to cross, metres.
 constexpr double kOwnGoalX = -14.5;
 
 struct Point {

@@ -17,12 +17,12 @@ constexpr double kParallel = 0.01;
 // Half a metre beside the ball.
 constexpr double kBeside = 0.5;
 
-// The own goal line is looked at from y = -1.2 in 13 steps of 0.2.
+// Its own goal line is looked at from y = -1.2 in 13 steps of 0.2.
 constexpr double kMouthFrom = -1.2;
 constexpr double kMouthStep = 0.2;
 constexpr int kMouthSteps = 13;
 
-// Whether the line y = slope * x + offset runs into the own goal mouth.
+// Whether the line y = slope * x + offset runs into its own goal mouth.
 bool runsIntoOwnGoal(double slope, double offset) {
   double y = kMouthFrom;
   for (int i = 0; i < kMouthSteps; ++i, y += kMouthStep) {
@@ -56,7 +56,7 @@ Vector Clear::direction(Vector p2) const {
 
   Vector firstPoint;
   Vector secondPoint;
-  bool a = false;  // the own goal must be avoided
+  bool a = false;  // its own goal must be avoided
   if (std::fabs(L_b) < kParallel) {
     firstPoint = secondPoint = onGround(ballPos.getX() + kBeside, ballPos.getY());
     a = true;

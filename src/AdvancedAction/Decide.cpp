@@ -20,7 +20,7 @@ namespace {
 constexpr double kTurnPerCycle = 1.2;  // degrees of a turn on the spot
 constexpr double kStartAndStop = 50;   // cycles that a turn and a walk cost beyond their length
 constexpr double kNever = 60000;       // cycles; no way takes that long
-constexpr double kOwnGoalRadius = 3;   // metres around the own goal without walking backward
+constexpr double kOwnGoalRadius = 3;   // metres around its own goal without walking backward
 
 // Degrees and metres per cycle of the omnidirectional gaits.
 struct GaitSpeed {

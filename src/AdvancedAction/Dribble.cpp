@@ -29,7 +29,7 @@ constexpr double kClose = 0.6;
 // A line whose direction has less than this along an axis counts as parallel to the other.
 constexpr double kParallel = 0.01;
 
-// A ball unseen for longer than this, in seconds, is taken to lie at the own feet.
+// A ball unseen for longer than this, in seconds, is taken to lie at its own feet.
 constexpr double kLost = 0.8;
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 
 enum { kApproach = 0, kReset = 1, kDribble = 3 };
 
-// A ball unseen for longer than this, in seconds, is taken to lie at the own feet.
+// A ball unseen for longer than this, in seconds, is taken to lie at its own feet.
 constexpr double kLost = 0.8;
 
 }  // namespace

@@ -64,7 +64,7 @@ double Mark::closestOpponent() const {
   return closest;
 }
 
-// Whether the own team's entry `index` is a candidate for `markPoint`, and how far it has to go.
+// Whether its own team's entry `index` is a candidate for `markPoint`, and how far it has to go.
 bool Mark::canServe(int index, Vector markPoint, double& distance) const {
   const Player& player = agent->WM->player[ourSide][index];
   const int number = player.getPlayerNumber();

@@ -37,7 +37,7 @@ class Robot {
   // out with the answer of each cycle.
   void sendJoints();
 
-  // The configured start of the own number: x, y in metres in the frame of the own team, z the
+  // The configured start of its own number: x, y in metres in the frame of its own team, z the
   // heading in degrees. In penalty mode it comes from the group "Penalty". Asserts that the
   // configuration gives three numbers.
   Vector startPlace() const;

@@ -13,14 +13,14 @@ namespace {
 constexpr stepping::Table kTurning = {
     .file = "omniSideWalk", .group = "omnisidewalk", .stride = "Yankle"};
 
-/// Within this ground distance of the target, metres, the gait stops turning: `error` becomes this
-/// many degrees, until the next request.
+// Within this ground distance of the target, metres, the gait stops turning: `error` becomes this
+// many degrees, until the next request.
 constexpr double kArrived = 1.0;
 constexpr double kArrivedError = 50;
 
-/// Direction and rotating leg by the quarter in which the target lies: angles above `above` up to
-/// `upTo` degrees. A target to the left is walked to with gain +1. Exactly 0 and exactly -180 lie
-/// in no quarter, and neither does the end of the second.
+// Direction and rotating leg by the quarter in which the target lies: angles above `above` up to
+// `upTo` degrees. A target to the left is walked to with gain +1. Exactly 0 and exactly -180 lie
+// in no quarter, and neither does the end of the second.
 struct Quarter {
   double above, upTo;
   int gain;

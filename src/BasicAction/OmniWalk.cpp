@@ -12,7 +12,7 @@ namespace {
 
 enum Variant { kNormal = 0, kLongStride = 1 };
 
-/// Fixed yaw of both legs in the long-stride variant, degrees.
+// Fixed yaw of both legs in the long-stride variant, degrees.
 constexpr double kLongStrideYaw = -20;
 
 constexpr stepping::Table table(float speedOffset, float strideFactor) {

@@ -12,13 +12,13 @@ namespace {
 
 constexpr stepping::Table kTurn = {.file = "Turn", .group = "turn", .stride = "Yankle"};
 
-/// The first step of a turn runs at this part of the configured joint speed, every later one at
-/// kLaterSpeed times that.
+// The first step of a turn runs at this part of the configured joint speed, every later one at
+// kLaterSpeed times that.
 constexpr double kFirstSpeed = 0.1;
 constexpr double kLaterSpeed = 8;
 
-/// Part of the configured sideways increments that a turn to the left takes; one to the right steps
-/// in place.
+// Part of the configured sideways increments that a turn to the left takes; one to the right steps
+// in place.
 constexpr double kSidePart = 0.05;
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kSignificantDigits = 6;
 
-/// Appends `value` as an output stream in its default format would.
+// Appends `value` as an output stream in its default format would.
 void append(std::string& text, float value) {
   char digits[32];
   const auto result = std::to_chars(digits, digits + sizeof digits, static_cast<double>(value),

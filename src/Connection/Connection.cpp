@@ -20,14 +20,14 @@ namespace {
 
 constexpr int kPrefixSize = 4;
 
-/// The 32-bit big-endian number at `bytes`.
+// The 32-bit big-endian number at `bytes`.
 int bigEndian(const char* bytes) {
   std::uint32_t value = 0;
   for (int i = 0; i < kPrefixSize; ++i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
   return static_cast<int>(value);
 }
 
-/// `select` for reading on `fd` alone; the system takes the time that passed off `timeLeft`.
+// `select` for reading on `fd` alone; the system takes the time that passed off `timeLeft`.
 int waitReadable(int fd, timeval& timeLeft) {
   if (fd < 0 || fd >= FD_SETSIZE) {  // has no place in the set
     errno = EBADF;

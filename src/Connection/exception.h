@@ -6,22 +6,22 @@
 
 namespace rcss::net {
 
-/// What the seven exceptions of the socket library have in common: an error number and its text.
+// What the seven exceptions of the socket library have in common: an error number and its text.
 class NetException : public std::exception {
  public:
   explicit NetException(int err) noexcept : m_err(err) {}
 
   int err() const noexcept { return m_err; }
 
-  /// The system's text for the number. REQUIRES one thread.
+  // The system's text for the number. REQUIRES one thread.
   const char* what() const noexcept override { return std::strerror(m_err); }
 
  private:
   int m_err;
 };
 
-/// A host name that can't be resolved; the only one that is ever thrown. Its number is the
-/// resolver's (h_errno), which `what()` does not really translate.
+// A host name that can't be resolved; the only one that is ever thrown. Its number is the
+// resolver's (h_errno), which `what()` does not really translate.
 class HostNotFound : public NetException {
  public:
   using NetException::NetException;

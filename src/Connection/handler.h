@@ -3,11 +3,11 @@
 
 namespace rcss::net {
 
-/// The process-wide state of the socket library. The system needs no start-up of its own, so it
-/// only says that it is there.
+// The process-wide state of the socket library. The system needs no start-up of its own, so it
+// only says that it is there.
 class Handler {
  public:
-  /// The one handler, made on first use.
+  // The one handler, made on first use.
   static Handler& instance();
 
   bool valid() const { return m_valid; }

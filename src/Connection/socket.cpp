@@ -22,7 +22,7 @@ const sockaddr* generic(const Addr& addr) {
   return reinterpret_cast<const sockaddr*>(&addr.getAddr());
 }
 
-/// The address that `ask` (getsockname, getpeername) gives for `fd`.
+// The address that `ask` (getsockname, getpeername) gives for `fd`.
 Addr addressBy(int (*ask)(int, sockaddr*, socklen_t*), int fd) {
   Addr::AddrType addr = {};
   socklen_t size = sizeof addr;

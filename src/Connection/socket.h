@@ -10,8 +10,8 @@ namespace rcss::net {
 
 class Handler;
 
-/// A socket descriptor. Copies share it, and it is closed with the last of them. Operations report
-/// failure by their result and leave the reason in errno; none of them throws.
+// A socket descriptor. Copies share it, and it is closed with the last of them. Operations report
+// failure by their result and leave the reason in errno; none of them throws.
 class Socket {
  public:
   using SocketDesc = int;
@@ -27,18 +27,18 @@ class Socket {
   Socket(const Socket&) = default;
   Socket& operator=(const Socket&) = default;
 
-  /// Makes a new descriptor, closed on exec, and lets go the old one.
+  // Makes a new descriptor, closed on exec, and lets go the old one.
   bool open();
 
   bool bind(const Addr& addr);
   bool connect(const Addr& addr);
 
-  /// The own and the other end; `Addr(0, 0)` if there is none.
+  // Its own and the other end; `Addr(0, 0)` if there is none.
   Addr getName() const;
   Addr getPeer() const;
   Addr getDest() const { return getPeer(); }
 
-  /// Lets go the descriptor.
+  // Lets go the descriptor.
   void close() { m_handle.reset(); }
 
   // Flags and options. Without a descriptor: errno 1 and -1.
@@ -52,13 +52,13 @@ class Socket {
   bool isOpen() const { return m_handle != nullptr; }
   bool isConnected() const { return getPeer() != Addr(0, 0); }
 
-  /// The number of bytes sent, or -1. CHECK sends all of them, again and again while the system
-  /// takes none, even if that is for ever.
+  // The number of bytes sent, or -1. CHECK sends all of them, again and again while the system
+  // takes none, even if that is for ever.
   int send(const char* data, std::size_t size, int flags = 0, CheckingType check = CHECK);
   int send(const char* data, std::size_t size, const Addr& to, int flags = 0,
            CheckingType check = CHECK);
 
-  /// The number of bytes received, 0 at the end of the stream, or -1. `from` takes the sender.
+  // The number of bytes received, 0 at the end of the stream, or -1. `from` takes the sender.
   int recv(char* data, std::size_t size, int flags = 0, CheckingType check = CHECK);
   int recv(char* data, std::size_t size, Addr& from, int flags = 0, CheckingType check = CHECK);
 
@@ -69,20 +69,20 @@ class Socket {
 
   bool listen(int backlog);
 
-  /// Waits for a connection and puts it into `sock`.
+  // Waits for a connection and puts it into `sock`.
   bool accept(Socket& sock);
 
-  /// Waits for a connection and returns it as a new socket, owned by the caller, with the address
-  /// of the other end; null on failure.
+  // Waits for a connection and returns it as a new socket, owned by the caller, with the address
+  // of the other end; null on failure.
   Socket* accept(Addr& addr);
 
  protected:
   Socket();
 
-  /// Adopts a descriptor.
+  // Adopts a descriptor.
   explicit Socket(SocketDesc& fd);
 
-  /// Makes a descriptor of the socket's own kind.
+  // Makes a descriptor of the socket's own kind.
   virtual bool doOpen(SocketDesc& fd) = 0;
 
  private:

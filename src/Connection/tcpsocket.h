@@ -6,19 +6,19 @@
 
 namespace rcss::net {
 
-/// A stream socket over IPv4.
+// A stream socket over IPv4.
 class TCPSocket : public Socket {
  public:
-  /// Opens a descriptor at once.
+  // Opens a descriptor at once.
   TCPSocket();
 
-  /// Adopts a descriptor.
+  // Adopts a descriptor.
   explicit TCPSocket(SocketDesc& fd);
 
-  /// Opens, and binds to `addr`.
+  // Opens, and binds to `addr`.
   explicit TCPSocket(const Addr& addr);
 
-  /// Opens, binds to `addr` and connects to `dest`.
+  // Opens, binds to `addr` and connects to `dest`.
   TCPSocket(const Addr& addr, const Addr& dest);
 
  protected:

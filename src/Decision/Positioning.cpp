@@ -6,7 +6,7 @@
 namespace positioning {
 namespace {
 
-constexpr double kDeep = -5;  // x of the ball below which the own half is in need
+constexpr double kDeep = -5;  // x of the ball below which its own half is in need
 
 // The last row of each table is for every number that has none of its own.
 constexpr int kAnybodyElse = 0;
@@ -23,7 +23,7 @@ const Row& rowOf(const Row (&rows)[N], int number) {
 struct AttackPost {
   int number;
   int side;       // +1 the left lane, -1 the right one, 0 at the ball's own y
-  double behind;  // behind a ball that is not deep in the own half
+  double behind;  // behind a ball that is not deep in its own half
   double holdX;   // x for a ball that is
   bool keepsOwnY = false;
 };
@@ -37,7 +37,7 @@ constexpr AttackPost kAttack[] = {
 struct HalfBackPost {
   int number;
   int side;     // as an attacker's
-  double part;  // stands at this part of the way from the own goal line to the ball
+  double part;  // stands at this part of the way from its own goal line to the ball
 };
 constexpr HalfBackPost kHalfBack[] = {
     {7, +1, 1.875},
@@ -47,7 +47,7 @@ constexpr HalfBackPost kHalfBack[] = {
 
 struct DefencePost {
   int number;
-  double holdX;     // x for a ball that is not deep in the own half
+  double holdX;     // x for a ball that is not deep in its own half
   double part;      // for one that is, as a half-back's
   double goalLine;  // x from which that way starts for a ball in the danger zone
 };
@@ -75,7 +75,7 @@ double laneY(double ballY, int side, const LaneShape& shape) {
   return ballY + side * shape.beside;
 }
 
-// The part of the way from the own goal line to the ball at which a line of players stands.
+// The part of the way from its own goal line to the ball at which a line of players stands.
 double ahead(double ballX, double part) {
   return (ballX + kHalfLength) / part - kHalfLength;
 }

@@ -8,9 +8,9 @@
 
 #include "Mathematics/Vector.h"
 
-/// The elements of a matrix behind a counted handle: copies of a handle share them. With the last
-/// one they go to a pool that the next matrix of this shape takes from, so that a cycle allocates
-/// nothing once the player is warm. No lock: the player has one thread.
+// The elements of a matrix behind a counted handle: copies of a handle share them. With the last
+// one they go to a pool that the next matrix of this shape takes from, so that a cycle allocates
+// nothing once the player is warm. No lock: the player has one thread.
 template <int N, int M>
 class SharedRows {
  public:
@@ -45,19 +45,19 @@ class SharedRows {
   Block* block;
 };
 
-/// An N by M matrix of doubles; `Matrix<4, 4>` serves as a homogeneous transform.
-///
-/// Copies share their elements: a matrix made from another one (passed by value, returned,
-/// initialised) reads and writes the rows of its source. The assignment alone copies elements, into
-/// the rows that the left side owns already, and so into every copy that shares them. Callers
-/// depend on this.
-///
-/// Several operations do not mean what a reader expects, and none of them may be "repaired":
-///   a new matrix      is 0 but for a 1 in the last row and column, so it is no identity;
-///   matrix * matrix   is good to single precision only;
-///   matrix * vector   applies the upper left 3x3 block alone: it rotates, it moves nothing;
-///   inverseMatrix()   drops the translation.
-/// All angles are degrees. The pi of this class is 3.14159265.
+// An N by M matrix of doubles; `Matrix<4, 4>` serves as a homogeneous transform.
+//
+// Copies share their elements: a matrix made from another one (passed by value, returned,
+// initialised) reads and writes the rows of its source. The assignment alone copies elements, into
+// the rows that the left side owns already, and so into every copy that shares them. Callers
+// depend on this.
+//
+// Several operations do not mean what a reader expects, and none of them may be "repaired":
+//   a new matrix      is 0 but for a 1 in the last row and column, so it is no identity;
+//   matrix * matrix   is good to single precision only;
+//   matrix * vector   applies the upper left 3x3 block alone: it rotates, it moves nothing;
+//   inverseMatrix()   drops the translation.
+// All angles are degrees. The pi of this class is 3.14159265.
 template <int N, int M>
 class Matrix {
  public:
@@ -65,7 +65,7 @@ class Matrix {
   Matrix(const Matrix&) = default;
   ~Matrix() = default;
 
-  /// Copies the elements into the rows of the left side; the result shares these.
+  // Copies the elements into the rows of the left side; the result shares these.
   Matrix operator=(Matrix b) {
     return fill([&](int i, int j) { return b.d[i][j]; });
   }
@@ -73,18 +73,18 @@ class Matrix {
   int getN() const { return N; }
   int getM() const { return M; }
 
-  /// The element at `row`, `col`, counted from 0. REQUIRES indices within the matrix.
+  // The element at `row`, `col`, counted from 0. REQUIRES indices within the matrix.
   double& operator()(int row, int col) { return d[row][col]; }
   const double& operator()(int row, int col) const { return d[row][col]; }
   double get(int i, int j) const { return d[i][j]; }
 
-  /// Clears all elements, then sets the diagonal to 1.
+  // Clears all elements, then sets the diagonal to 1.
   void identityMatrix() {
     fill([](int i, int j) { return i == j ? 1.0 : 0.0; });
   }
 
   // clang-format off
-  /// Sixteen elements in the order of rows.
+  // Sixteen elements in the order of rows.
   void setElements(float a00, float a01, float a02, float a03,
                    float a10, float a11, float a12, float a13,
                    float a20, float a21, float a22, float a23,
@@ -122,7 +122,7 @@ class Matrix {
     return fill([&](int i, int j) { return d[i][j] / f; });
   }
 
-  /// The upper left 3x3 block applied to `v`. The translation and the last row take no part.
+  // The upper left 3x3 block applied to `v`. The translation and the last row take no part.
   Vector operator*(const Vector& v) const requires(N >= 3 && M >= 3) {
     float turned[3];
     for (int i = 0; i < 3; ++i) {
@@ -189,15 +189,15 @@ class Matrix {
     *this = t * *this;
   }
 
-  /// The determinant of the upper left 3x3 block, by the rule of Sarrus.
+  // The determinant of the upper left 3x3 block, by the rule of Sarrus.
   double operator~() const requires(N == 4 && M == 4) {
     return d[0][0] * d[1][1] * d[2][2] + d[0][1] * d[1][2] * d[2][0] + d[0][2] * d[1][0] * d[2][1] -
            d[0][2] * d[1][1] * d[2][0] - d[0][0] * d[1][2] * d[2][1] - d[0][1] * d[1][0] * d[2][2];
   }
 
-  /// The inverse of the upper left 3x3 block (adjugate over determinant, in float), with a zero
-  /// translation and 1 / determinant at (3, 3). The translation of this matrix is lost: the forward
-  /// kinematics is written against that. A singular block gives infinities.
+  // The inverse of the upper left 3x3 block (adjugate over determinant, in float), with a zero
+  // translation and 1 / determinant at (3, 3). The translation of this matrix is lost: the forward
+  // kinematics is written against that. A singular block gives infinities.
   Matrix inverseMatrix() const requires(N == 4 && M == 4) {
     // Minor of the block that leaves the rows i, k and the columns j, l.
     const auto minor = [&](int i, int j, int k, int l) {
@@ -213,9 +213,9 @@ class Matrix {
     return adjugate * (1.0f / static_cast<float>(~*this));
   }
 
-  /// The full inverse, by Gauss-Jordan elimination beside an identity, without a search for a good
-  /// pivot: the next lower row with a pivot other than 0 serves. A singular matrix gives elements
-  /// that are not finite.
+  // The full inverse, by Gauss-Jordan elimination beside an identity, without a search for a good
+  // pivot: the next lower row with a pivot other than 0 serves. A singular matrix gives elements
+  // that are not finite.
   Matrix newinverse() const requires(N == M) {
     Matrix left;
     left = *this;
@@ -243,7 +243,7 @@ class Matrix {
   template <int A, int B>
   friend class Matrix;
 
-  /// Sets every element to `element(i, j)`, row by row.
+  // Sets every element to `element(i, j)`, row by row.
   template <typename Element>
   Matrix fill(Element element) {
     for (int i = 0; i < N; ++i) {
@@ -270,8 +270,8 @@ class Matrix {
   SharedRows<N, M> d;
 };
 
-/// The product. Each element is summed up in a float, rounded at every addition, so results are
-/// good to single precision only.
+// The product. Each element is summed up in a float, rounded at every addition, so results are
+// good to single precision only.
 template <int N, int M, int K>
 Matrix<N, K> operator*(Matrix<N, M> a, Matrix<M, K> b) {
   Matrix<N, K> product;
@@ -285,7 +285,7 @@ Matrix<N, K> operator*(Matrix<N, M> a, Matrix<M, K> b) {
   return product;
 }
 
-/// The power of `a`, by squaring. REQUIRES n >= 1.
+// The power of `a`, by squaring. REQUIRES n >= 1.
 template <int N>
 requires(N == 4 || N == 6) Matrix<N, N>
 operator^(Matrix<N, N>& a, int n) {
@@ -300,7 +300,7 @@ operator^(Matrix<N, N>& a, int n) {
   return powers.at(reached) * rest;
 }
 
-/// Writes each element and a tab, and ends (and flushes) the line after each row.
+// Writes each element and a tab, and ends (and flushes) the line after each row.
 template <int N, int M>
 std::ostream& operator<<(std::ostream& out, Matrix<N, M> m) {
   for (int i = 0; i < N; ++i) {

@@ -27,7 +27,7 @@ constexpr double kFacingShare = 0.5;
 struct Pace {
   double turnRate;  // degrees per step
   int fall;         // steps lost by a player on the ground
-  double stride;    // metres per step; the own team's is the single-precision 0.9
+  double stride;    // metres per step; its own team's is the single-precision 0.9
 };
 constexpr Pace kOwnPace{60, 12, 0.9f};
 constexpr Pace kOtherPace{50, 3, 1};

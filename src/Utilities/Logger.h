@@ -19,10 +19,10 @@
 // can't be opened swallows what is written to it. Lines have no prefix; floating numbers are
 // fixed-point with six decimals.
 
-/// One log stream, or the silent one if `out` is null: then every output is a test of a pointer.
+// One log stream, or the silent one if `out` is null: then every output is a test of a pointer.
 class LogStream {
  public:
-  /// Owns neither; both may be null.
+  // Owns neither; both may be null.
   LogStream(std::ostream* out, const Timer* timer);
   virtual ~LogStream() = default;
   LogStream(const LogStream&) = delete;
@@ -42,7 +42,7 @@ class LogStream {
   LogStream& operator<<(std::ostream& (*manipulator)(std::ostream&));
   LogStream& operator<<(std::ios_base& (*manipulator)(std::ios_base&));
 
-  /// Writes a banner line with the number of the cycle.
+  // Writes a banner line with the number of the cycle.
   void newCycle();
 
  protected:
@@ -51,13 +51,13 @@ class LogStream {
   bool first = true;  // at the start of a line
 };
 
-/// The silent stream.
+// The silent stream.
 class LogNull : public LogStream {
  public:
   LogNull() : LogStream(nullptr, nullptr) {}
 };
 
-/// A stream to a file of its own, which it truncates.
+// A stream to a file of its own, which it truncates.
 class LogFile : public LogStream {
  public:
   LogFile(const std::string& fileName, const Timer* timer);
@@ -67,10 +67,10 @@ class LogFile : public LogStream {
   std::string fileName;
 };
 
-/// A handle to the log streams of the process.
+// A handle to the log streams of the process.
 class Logger {
  public:
-  /// The streams by name.
+  // The streams by name.
   class LogStreams {
    public:
     LogStreams() = default;
@@ -78,10 +78,10 @@ class Logger {
     LogStreams(const LogStreams&) = delete;
     LogStreams& operator=(const LogStreams&) = delete;
 
-    /// Stores `stream` under `name` and takes it over; a stream of that name goes.
+    // Stores `stream` under `name` and takes it over; a stream of that name goes.
     void add(const std::string& name, LogStream* stream);
 
-    /// The stream of that name, or the silent one.
+    // The stream of that name, or the silent one.
     LogStream& operator[](std::string_view name);
 
    private:
@@ -89,15 +89,15 @@ class Logger {
     LogNull logNull;
   };
 
-  /// The first handle makes the streams, which live to the end of the process.
+  // The first handle makes the streams, which live to the end of the process.
   Logger();
 
-  /// Opens "./Logs/<name>.log". The timer must outlive the stream; it may be null.
+  // Opens "./Logs/<name>.log". The timer must outlive the stream; it may be null.
   void add(const std::string& name, const Timer* timer);
 
-  /// Opens "./Logs/<name><c>.log" as the stream `name`, where the character c has the code of "0"
-  /// plus `number`: from 10 on it is no digit ("Agent:.log"), and the files are known by these
-  /// names.
+  // Opens "./Logs/<name><c>.log" as the stream `name`, where the character c has the code of "0"
+  // plus `number`: from 10 on it is no digit ("Agent:.log"), and the files are known by these
+  // names.
   void add(const std::string& name, int number, const Timer* timer);
 
   LogStream& operator[](std::string_view name) const;
@@ -105,7 +105,7 @@ class Logger {
   static LogStreams* logStreams;
 };
 
-/// The logger of this process.
+// The logger of this process.
 extern Logger logger;
 
 #endif  // QUOLNARIS_UTILITIES_LOGGER_H_

@@ -3,20 +3,20 @@
 
 #include <sys/time.h>
 
-/// A wall clock with a cycle number. Nothing in the player resets it, so its cycle stays -1 and its
-/// time has no meaning: the time base of the player is `WorldModel::gameTime`. The log streams hold
-/// it and drop what it says.
+// A wall clock with a cycle number. Nothing in the player resets it, so its cycle stays -1 and its
+// time has no meaning: the time base of the player is `WorldModel::gameTime`. The log streams hold
+// it and drop what it says.
 class Timer {
  public:
-  /// Milliseconds since the last `resetCycle`, rounded to the nearest.
+  // Milliseconds since the last `resetCycle`, rounded to the nearest.
   long now() const;
 
   long getCycle() const { return cycle; }
 
-  /// Sets the cycle number and starts the count of milliseconds anew.
+  // Sets the cycle number and starts the count of milliseconds anew.
   void resetCycle(long newCycle);
 
-  /// Milliseconds from one time to another, rounded to the nearest, halves upward.
+  // Milliseconds from one time to another, rounded to the nearest, halves upward.
   static long millisecondsBetween(const timeval& from, const timeval& to);
 
  private:

@@ -4,14 +4,14 @@
 // The enumerations that several floors of the player share. All are unscoped, because they also
 // serve as table indices and as numbers in configuration files; their values are fixed.
 
-/// The half of the pitch that a team defends, as the server names it.
+// The half of the pitch that a team defends, as the server names it.
 enum TeamSide { SIDE_LEFT = 0, SIDE_RIGHT = 1, SIDE_ILLEGAL = 2 };
 
-/// A side of the own body, wherever a `bool side` names one.
+// A side of its own body, wherever a `bool side` names one.
 inline constexpr bool kLeft = false;
 inline constexpr bool kRight = true;
 
-/// The play modes of the game; their names on the wire are `PlayModeNames` (Utilities/Converter.h).
+// The play modes of the game; their names on the wire are `PlayModeNames` (Utilities/Converter.h).
 enum PlayMode {
   PM_BEFORE_KICK_OFF = 0,
   PM_KICK_OFF_LEFT = 1,
@@ -33,7 +33,7 @@ enum PlayMode {
   PM_ILLEGAL = 17
 };
 
-/// The motion and tactical actions, as the action arbiter tells them apart.
+// The motion and tactical actions, as the action arbiter tells them apart.
 enum ActionType {
   AT_NONE = 0,
   AT_ALL = 1,
@@ -72,10 +72,10 @@ enum ActionType {
   AT_DIVE = 34
 };
 
-/// The role of a player in the team.
+// The role of a player in the team.
 enum Post { ATTACK = 0, HALF_BACK = 1, DEFENCE = 2, GOALIE = 3 };
 
-/// The way a fallen robot lies.
+// The way a fallen robot lies.
 enum FallOrientation {
   FALL_FRONT = 0,
   FALL_BACK = 1,
@@ -84,26 +84,26 @@ enum FallOrientation {
   FALL_NONE = 4
 };
 
-/// A compass of the pitch frame: NORTH is +x, EAST is +y, WEST is -x, SOUTH is -y. WEST opposite to
-/// NORTH is no slip of the pen: the code that reads these directions is written against it.
+// A compass of the pitch frame: NORTH is +x, EAST is +y, WEST is -x, SOUTH is -y. WEST opposite to
+// NORTH is no slip of the pen: the code that reads these directions is written against it.
 enum Orientation { SOUTH = 0, WEST = 1, NORTH = 2, EAST = 3, UNKNOWN = 4 };
 
-/// How a seen field line runs in the pitch-parallel frame: along the x axis, along y, or neither.
+// How a seen field line runs in the pitch-parallel frame: along the x axis, along y, or neither.
 enum LineSlopeType { LINE_HORIZONTAL = 0, LINE_VERTICAL = 1, LINE_NONE = 2 };
 
-/// The force resistance sensors under the feet.
+// The force resistance sensors under the feet.
 enum TFRP { FRP_LEFT_FOOT = 0, FRP_RIGHT_FOOT = 1, FRP_ILLEGAL = 2 };
 
-/// How three numbers describe a vector, see the constructor of `Vector`.
+// How three numbers describe a vector, see the constructor of `Vector`.
 enum CoordinateSystem { CARTESIAN = 0, SPHERICAL = 1 };
 
-/// A direction of falling, as the centre of mass tells it.
+// A direction of falling, as the centre of mass tells it.
 enum COMD { NONE = 0, FALL = 1, FRONT = 2, BACK = 3, RIGHT = 4, LEFT = 5 };
 
-/// How far a kick shall carry, and along which axis.
+// How far a kick shall carry, and along which axis.
 enum KickMood { CLOSE_X = 0, CLOSE_Y = 1, MEDIUM_X = 2, DISTANT_X = 3, DISTANT_Y = 4 };
 
-/// Whether the robot is about to fall, and to which side.
+// Whether the robot is about to fall, and to which side.
 enum IsNearFall {
   NONE2 = 0,
   FALL2 = 1,

@@ -14,7 +14,7 @@
 //   GlobalPosition    plus the agent's own position: pitch frame
 //   RealPosition      a position known beforehand, as a landmark's: pitch frame
 //
-// All lengths are metres. In the pitch frame the own goal lies at negative x for either side.
+// All lengths are metres. In the pitch frame its own goal lies at negative x for either side.
 class Object {
  public:
   // All positions zero, never seen (LastTimeSeen kNeverSeen, so that it is not "seen now" at time

@@ -25,7 +25,7 @@
 //           claim heard, whether the robot lies on the ground.
 //
 // Units are metres, degrees and seconds of game time. The pitch frame has its origin at the pitch
-// centre, the own goal at negative x and y to the left of a player who looks at the opponent's
+// centre, its own goal at negative x and y to the left of a player who looks at the opponent's
 // goal, for both sides: a team on the right turns its landmark table once.
 //
 // Messages are untrusted: any bytes may come, and none harm more than the belief. An expression
@@ -43,7 +43,7 @@ class WorldModel {
   WorldModel& operator=(const WorldModel&) = delete;
 
   // Takes in one message of the server: parses it, integrates the orientation and, where the
-  // message held vision, estimates the own position and carries ball and players to the pitch
+  // message held vision, estimates its own position and carries ball and players to the pitch
   // frame. Always true.
   bool update(const std::string& s);
 
@@ -60,7 +60,7 @@ class WorldModel {
   void updateACC(std::string_view s);
   void updateFRP(std::string_view s);
   void updateJoint(std::string_view s);
-  // Remembers a ball claim of the own team. Always false.
+  // Remembers a ball claim of its own team. Always false.
   bool updateHear(std::string_view str);
   void updateVision(std::string_view s);
 
@@ -95,10 +95,10 @@ class WorldModel {
   static int getFlagNumber(bool isFieldFlag, bool isRight, int no);
 
   // Fills the landmark table from the configuration, turned by 180 degrees for a team on the right;
-  // final once the own number has been heard.
+  // final once its own number has been heard.
   void setFlags();
 
-  // Estimates the own position from the landmarks in sight and blends it with the last one; then
+  // Estimates its own position from the landmarks in sight and blends it with the last one; then
   // carries ball and players to the pitch frame. Does neither without a landmark in sight.
   void localize();
 
@@ -123,7 +123,7 @@ class WorldModel {
   // to the left.
   double getAngleTo(Vector vec) const;
 
-  // The own position in the pitch frame.
+  // Its own position in the pitch frame.
   const Vector& getAgentPosition() const { return mySelf->GlobalPosition; }
   PlayMode getPlayMode() const { return playMode; }
   const Timer& getTimer() const { return *timer; }
@@ -152,7 +152,7 @@ class WorldModel {
   int ourGoals = 0;
   int oppGoals = 0;
   int isValidPosition = 0;           // bad position estimates in a row
-  bool isInit = false;               // the server has told the own number
+  bool isInit = false;               // the server has told its own number
   float gameTime = 0.0f;             // seconds; the one time base of the player
   FallOrientation fall = FALL_NONE;  // as the last isFall() found it
   Ball* ball;                        // owned

@@ -152,7 +152,7 @@ void WorldModel::updateGameState(std::string_view expression) {
       ourSide = side.front() == 'l' ? SIDE_LEFT : SIDE_RIGHT;
       mySelf->setTeamSide(ourSide);
     } else if (letter(word, 1) == 's') {
-      // While the own side is unknown both scores are the opponents'.
+      // While its own side is unknown both scores are the opponents'.
       const TeamSide scorer = letter(word, 2) == 'r' ? SIDE_RIGHT : SIDE_LEFT;
       in.read(ourSide == scorer ? ourGoals : oppGoals);
       in.skip(1);
@@ -250,7 +250,7 @@ bool WorldModel::updateHear(std::string_view str) {
   float time;
   if (!in.read(head, team, time, direction, message)) return false;
   if (team != kTeamWord) return false;
-  // The message is not checked for being a claim, and the own words count like anyone's.
+  // The message is not checked for being a claim, and its own words count like anyone's.
   fastestTeammateUnum = twoDigits(letter(message, 1), letter(message, 2));
   if (letter(message, 3) == 'r' && letter(message, 4) == 'c') {
     fastestReachCycle = twoDigits(letter(message, 5), letter(message, 6));

@@ -86,11 +86,11 @@ PLAYER_TEST(BlockTest, AimsOfTheOpponent) {
       {1, -1, -14.5, mouth(-1, 1)},
       {-1, 7, -3.5, 7},
       {-10.9, -7, -13.4, -7},
-      {-1, 6.5, -14.5, mouth(5.5, -1)},  // not yet wide in the own half
+      {-1, 6.5, -14.5, mouth(5.5, -1)},  // not yet wide in its own half
       {-5, -2, -14.5, mouth(-1, -5)},
       {-5, 0.9, -14.5, mouth(0.9, -5)},
       {-9.9, 3, -14.5, mouth(2, -9.9)},
-      {0, -6.5, -14.5, mouth(-5.5, 0)},  // zero belongs to the own half
+      {0, -6.5, -14.5, mouth(-5.5, 0)},  // zero belongs to its own half
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::to_string(row.x) + " " + std::to_string(row.y));
@@ -104,7 +104,7 @@ PLAYER_TEST(BlockTest, AimsOfTheOpponent) {
   }
 }
 
-// Near the own goal the lateral offset counts whole, wide or not; there half way is beyond the
+// Near its own goal the lateral offset counts whole, wide or not; there half way is beyond the
 // target for a player far off, so that the target itself shows.
 PLAYER_TEST(BlockTest, AimsNearTheOwnGoal) {
   for (const auto& [x, y] : {std::pair(-11.0, 7.5), {-11.0, -8.0}, {-10.0, 3.0}, {-12.0, -2.0}}) {
@@ -320,7 +320,7 @@ PLAYER_TEST(BlockExtraTest, TheNearestOfTheNumbersTwoToSixGoes) {
   }
 }
 
-// The own entry counts by where it was seen, not by the own position; of equal ones the first of
+// Its own entry counts by where it was seen, not by its own position; of equal ones the first of
 // the table goes.
 PLAYER_TEST(BlockExtraTest, EqualDistancesKeepTheOrderOfTheTable) {
   Extra first(2);

@@ -271,7 +271,7 @@ PLAYER_TEST(DecideTest, NobodyChoosesToWalkBackwardNearItsOwnGoal) {
   EXPECT_EQ(p.player.decide->decideState, 6);
 }
 
-// Straight behind, to face forward again, near the own goal: stepping there costs the same to
+// Straight behind, to face forward again, near its own goal: stepping there costs the same to
 // either side (75 to turn, 50, 1 / 0.00876, 75 to turn back) and less than walking forward there
 // (350 and 1 / 0.016). The way to the left is never taken as the least, but it is the first that
 // equals it.

@@ -95,7 +95,7 @@ PLAYER_TEST(DribbleWalkTest, TheAgentsPointerLeadsToTheSameObject) {
 
 // --- execute -------------------------------------------------------------------------------------
 
-// The own player at the feet of the ball, upright, on a line along y = `y`.
+// Its own player at the feet of the ball, upright, on a line along y = `y`.
 struct Path {
   explicit Path(double y = 0) : p(9), y0(y) {
     p.world.ourSide = SIDE_LEFT;
@@ -180,7 +180,7 @@ PLAYER_TEST(DribbleTest, ASlantingLineUsesItsPerpendicular) {
   expectPoint(left.run(Vector(8, -5, 0)), 0.4 - (lx + ly) / l * kAside, 0.7);
 }
 
-// Looking away from the ball costs the opponent at distance D 1.8 steps; the own player, 0.45 m
+// Looking away from the ball costs the opponent at distance D 1.8 steps; its own player, 0.45 m
 // above the path, needs 1 step up to 0.7 m, then 2. D = 4 makes the opponent first at 0.9 m.
 PLAYER_TEST(DribbleTest, TheFirstStepThatFindsAnOpponentEndsTheSearch) {
   Path path;

@@ -84,7 +84,7 @@ PLAYER_TEST(GoToGoalTest, ALostBallLiesAtTheFeet) {
   EXPECT_EQ(p.player.turn->v, Vector(-5, 0, 0.45f));
 }
 
-// The own height of 0.45 m is more than the 0.2 m that count as there.
+// Its own height of 0.45 m is more than the 0.2 m that count as there.
 PLAYER_TEST(GoToGoalTest, OnlyAPlayerWithoutHeightIsEverThere) {
   TestPlayer p(9);
   p.ball(14, 0);

@@ -45,7 +45,7 @@ PLAYER_TEST(GoToPointExecuteTest, InPlaceItTakesTheNeutralStance) {
   TestPlayer p(5);
   p.me(4, 0, 170);  // the heading does not matter
   p.arm();
-  // The own height of 0.45 counts.
+  // Its own height of 0.45 counts.
   EXPECT_FALSE(p.player.goToPoint->execute(kTarget, 0.46f));
   EXPECT_EQ(p.player.goToPoint->stateFineApproach, 4);
   EXPECT_EQ(p.player.reset->State, 1);

@@ -18,7 +18,7 @@ TEST(MarkAgentTest, ComparesByDistance) {
 // 16.643 m.
 const Vector kFarMark(13.579406f, 8.729618f, 0);
 
-// Everybody at a corner far away, and no head of the own team seen after the first moments.
+// Everybody at a corner far away, and no head of its own team seen after the first moments.
 struct Marking {
   explicit Marking(int unum, double x, double y) : p(unum) {
     p.world.ourSide = SIDE_LEFT;

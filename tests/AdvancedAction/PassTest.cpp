@@ -139,7 +139,7 @@ PLAYER_TEST(PassTest, TheRunBeginsWhenTheKickHasEnded) {
   });
 }
 
-// A kick that leaves through the own goal mouth counts as good, whoever reaches it: odd, and so
+// A kick that leaves through its own goal mouth counts as good, whoever reaches it: odd, and so
 // required.
 PLAYER_TEST(PassTest, ASelfPassIntoTheGoalMouthCountsAsGood) {
   Passing s;

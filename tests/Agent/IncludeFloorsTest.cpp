@@ -44,7 +44,7 @@ constexpr Floor kFloors[] = {
     {"Agent/OurPlayer.h", 9},
 };
 
-/// The floor of a header by its path below src/; 0 if it has none.
+// The floor of a header by its path below src/; 0 if it has none.
 int floorOf(const std::string& path) {
   int floor = 0;
   std::size_t longest = 0;
@@ -59,7 +59,7 @@ int floorOf(const std::string& path) {
   return floor;
 }
 
-/// What a source file includes between quotation marks.
+// What a source file includes between quotation marks.
 std::vector<std::string> includesOf(const fs::path& file) {
   const std::string directive = "#include \"";
   std::vector<std::string> result;
@@ -74,7 +74,7 @@ std::vector<std::string> includesOf(const fs::path& file) {
 
 using Includes = std::map<std::string, std::vector<std::string>>;
 
-/// The sources of a tree by their paths below it, with what they include.
+// The sources of a tree by their paths below it, with what they include.
 Includes readTree(const char* tree) {
   const fs::path root = fs::path(QUOLNARIS_SOURCE_DIR) / tree;
   Includes files;
@@ -90,7 +90,7 @@ bool isHeader(const std::string& path) {
   return path.ends_with(".h");
 }
 
-/// The circles of headers that can be walked from `header`, as texts.
+// The circles of headers that can be walked from `header`, as texts.
 void findCircles(const Includes& files, const std::string& header, std::vector<std::string>& path,
                  std::set<std::string>& done, std::vector<std::string>& circles) {
   const auto seen = std::find(path.begin(), path.end(), header);

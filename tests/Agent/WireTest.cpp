@@ -69,7 +69,7 @@ p10 = -10 0 0
 p11 = -11 0 0
 )";
 
-/// A small percept message, the `index`th since the start of the game's clock.
+// A small percept message, the `index`th since the start of the game's clock.
 std::string percepts(int index) {
   char text[128];
   std::snprintf(text, sizeof text,
@@ -79,7 +79,7 @@ std::string percepts(int index) {
   return text;
 }
 
-/// Whether `message` starts with the terms of the 24 hinge slots, each a name and a number.
+// Whether `message` starts with the terms of the 24 hinge slots, each a name and a number.
 bool hasHingeTerms(const std::string& message) {
   std::istringstream in(message);
   for (int i = 0; i < 24; ++i) {
@@ -105,7 +105,7 @@ std::string usage() {
          "\n";
 }
 
-/// A directory with a known configuration, a server, and a player once it is started.
+// A directory with a known configuration, a server, and a player once it is started.
 class WireTest : public testing::Test {
  protected:
   WireTest() {
@@ -113,7 +113,7 @@ class WireTest : public testing::Test {
     directory.setConfig("Formation", kFormation);
   }
 
-  /// Starts the player with its server's address and `options`.
+  // Starts the player with its server's address and `options`.
   void start(const std::vector<std::string>& options = {},
              const PlayerProcess::Environment& environment = {}) {
     std::vector<std::string> all = server.options();
@@ -126,7 +126,7 @@ class WireTest : public testing::Test {
     player = std::make_unique<PlayerProcess>(directory.path(), options, environment);
   }
 
-  /// Starts the player and takes its connection.
+  // Starts the player and takes its connection.
   void connect(const std::vector<std::string>& options = {}) {
     start(options);
     server.accept();
@@ -134,7 +134,7 @@ class WireTest : public testing::Test {
 
   void sendPercepts() { server.send(percepts(framesSent++)); }
 
-  /// Takes the messages of the handshake, and answers each with a frame.
+  // Takes the messages of the handshake, and answers each with a frame.
   std::vector<std::string> shakeHands() {
     std::vector<std::string> messages;
     for (int i = 0; i < kHandshake; ++i) {

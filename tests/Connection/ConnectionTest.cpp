@@ -22,7 +22,7 @@ using support::FakeServer;
 
 constexpr char kTooLong[] = "message too long; aborting\n";
 
-/// A connection to a fake server.
+// A connection to a fake server.
 class ConnectionTest : public testing::Test {
  protected:
   ConnectionTest() : connection("127.0.0.1", server.port()) {
@@ -38,7 +38,7 @@ class ConnectionTest : public testing::Test {
     return msg;
   }
 
-  /// Sends the parts one by one while the connection waits for the message, and returns that.
+  // Sends the parts one by one while the connection waits for the message, and returns that.
   std::string getMessageInParts(const std::vector<std::string>& parts) {
     std::thread sender([&] {
       for (const std::string& part : parts) {
@@ -168,7 +168,7 @@ TEST_F(ConnectionTest, LengthAboveMinusFiveMeansNoText) {
   }
 }
 
-/// A connection that waits for a second only.
+// A connection that waits for a second only.
 class ImpatientConnection {
  public:
   ImpatientConnection() : connection("127.0.0.1", server.port(), 1) {

@@ -25,7 +25,7 @@ bool isOpenDescriptor(int fd) {
   return fcntl(fd, F_GETFD) != -1;
 }
 
-/// A datagram socket: the kind on which an address with each message matters.
+// A datagram socket: the kind on which an address with each message matters.
 class DatagramSocket : public Socket {
  public:
   DatagramSocket() { open(); }
@@ -37,7 +37,7 @@ class DatagramSocket : public Socket {
   }
 };
 
-/// A socket that never gets a descriptor.
+// A socket that never gets a descriptor.
 class ClosedSocket : public Socket {
  public:
   ClosedSocket() = default;
@@ -46,7 +46,7 @@ class ClosedSocket : public Socket {
   bool doOpen(SocketDesc&) override { return false; }
 };
 
-/// Two connected ends.
+// Two connected ends.
 struct Pair {
   TCPSocket listener{Addr(0, kLoopback)};
   TCPSocket client;

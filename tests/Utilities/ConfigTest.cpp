@@ -17,7 +17,7 @@ using support::ConfigSandbox;
 using support::TempDirectory;
 using support::WorkingDirectory;
 
-/// What a failed assertion writes, as a pattern; `expression` is literal text.
+// What a failed assertion writes, as a pattern; `expression` is literal text.
 std::string assertionText(const std::string& expression) {
   std::string pattern = "Assertion `";
   for (const char c : expression) {
@@ -34,7 +34,7 @@ ConfigFile fileOf(const std::string& text) {
   return ConfigFile(directory.write("a.conf", text));
 }
 
-/// The value of key "a" in the group without a name.
+// The value of key "a" in the group without a name.
 std::string valueOfA(const std::string& text) {
   return fileOf(text)[""]["a"].asString();
 }
@@ -346,7 +346,7 @@ TEST(ConfigGroupTest, AddReplacesTextAndAtoms) {
 // ------------------------------------------------------------------------------------- command
 // line
 
-/// argc and argv of a command line.
+// argc and argv of a command line.
 class Arguments {
  public:
   explicit Arguments(std::vector<std::string> words_) : words(std::move(words_)) {

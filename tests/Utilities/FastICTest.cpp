@@ -17,7 +17,7 @@ namespace {
 constexpr int kMyNumber = 7;
 constexpr float kNow = 100;
 
-// A world with all players numbered and out of sight, and the own player too far away to reach
+// A world with all players numbered and out of sight, and its own player too far away to reach
 // anything, looking towards +x.
 class FastICTest : public ::testing::Test {
  protected:
@@ -67,7 +67,7 @@ class FastICTest : public ::testing::Test {
     world->mySelf->setGlobalPosition(Vector(static_cast<float>(x), static_cast<float>(y), 0));
   }
 
-  // The entry of the own player decides whether it lies on the ground.
+  // The entry of its own player decides whether it lies on the ground.
   void standUpright() { mine().headPosition = Vector(0, 0, 0.6f); }
 
   Player& mine() { return world->player[world->ourSide == SIDE_LEFT ? 0 : 1][kMyNumber - 1]; }
@@ -164,7 +164,7 @@ TEST_F(FastICTest, ASecondSetPlayersAddsEverybodyAgain) {
 }
 
 // Vision files teammates in row 0 on both sides of the game, and this calculator takes the row that
-// the side names: for a team on the right the own team is what vision saw of the opponents.
+// the side names: for a team on the right its own team is what vision saw of the opponents.
 TEST_F(FastICTest, RowsCrossForATeamOnTheRight) {
   play(SIDE_RIGHT);
   put(0, 3, 2, 0, NORTH);   // a teammate by vision
@@ -273,7 +273,7 @@ TEST_F(FastICTest, FallenPlayersNeedLonger) {
   EXPECT_NEAR(rolled.fastestTeammate.reachPoint.getX(), 0.17, 1e-5);
 }
 
-// The head height of the own table entry counts for the own player too, and an entry that was never
+// The head height of its own table entry counts for its own player too, and an entry that was never
 // seen lies on the ground.
 TEST_F(FastICTest, AFallenOwnPlayerNeedsTwelveStepsMore) {
   putMe(-4, 0);
@@ -404,7 +404,7 @@ TEST_F(FastICTest, MySelfIsNeverCleared) {
   EXPECT_EQ(fc.mySelf.reachCycle, 5);
 }
 
-// The own goalie is no candidate, so that it never finds itself.
+// Its own goalie is no candidate, so that it never finds itself.
 TEST_F(FastICTest, TheGoalieNeverFindsItself) {
   sandbox.set("Agent", "Public", "UniformNumber", "1");
   WorldModel asGoalie;
@@ -478,8 +478,8 @@ TEST_F(FastICTest, TheNearerOfTheTwoFirstEntriesWinsABallThatIsOut) {
   EXPECT_EQ(run(Vector(14.6f, 0, 0), Vector(0, 0, 0), 0).fastest.human.getTeamSide(), SIDE_LEFT);
 }
 
-// An entry whose distance is not a number is not nearer than 9999, so the next one counts; the own
-// position stands in for the own entry in that test, and only there.
+// An entry whose distance is not a number is not nearer than 9999, so the next one counts; its own
+// position stands in for its own entry in that test, and only there.
 TEST_F(FastICTest, OwnPositionStandsInOnlyForTheTestOfNearness) {
   for (int i = 1; i <= 6; ++i) put(0, i, NAN, 0, NORTH);
   put(0, kMyNumber, -1, -1, NORTH);

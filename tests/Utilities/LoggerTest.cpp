@@ -13,7 +13,7 @@ namespace {
 using support::TempDirectory;
 using support::WorkingDirectory;
 
-/// A directory with "Logs/" as the working directory, and a set of log streams of its own.
+// A directory with "Logs/" as the working directory, and a set of log streams of its own.
 class LoggerTest : public testing::Test {
  protected:
   LoggerTest() : inside(directory.path()), previous(Logger::logStreams) {

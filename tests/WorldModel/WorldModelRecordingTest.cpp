@@ -129,7 +129,7 @@ class Reference {
     }
     integrate();
     if (sees) localise();
-    // The landmark table follows the message in which the own number is told.
+    // The landmark table follows the message in which its own number is told.
     if (!tableKnown) {
       table = toldRight ? &turned_ : &plain_;
       tableKnown = told;

@@ -19,7 +19,7 @@ namespace {
 constexpr std::chrono::seconds kPatience{60};
 constexpr std::chrono::milliseconds kPause{2};
 
-/// Runs in the child; only calls that are safe between fork and exec.
+// Runs in the child; only calls that are safe between fork and exec.
 [[noreturn]] void become(const char* where, char* const* argv, char* const* environment, int out,
                          int err) {
   if (chdir(where) == 0 && dup2(out, STDOUT_FILENO) != -1 && dup2(err, STDERR_FILENO) != -1) {

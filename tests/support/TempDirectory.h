@@ -6,7 +6,7 @@
 
 namespace support {
 
-/// A fresh directory that goes with this object, and everything in it.
+// A fresh directory that goes with this object, and everything in it.
 class TempDirectory {
  public:
   TempDirectory();
@@ -16,10 +16,10 @@ class TempDirectory {
 
   const std::filesystem::path& path() const { return directory; }
 
-  /// Writes a file, and makes the directories above it. Returns its path.
+  // Writes a file, and makes the directories above it. Returns its path.
   std::filesystem::path write(const std::string& name, const std::string& text) const;
 
-  /// The contents of a file; throws std::runtime_error if it can't be read.
+  // The contents of a file; throws std::runtime_error if it can't be read.
   std::string read(const std::string& name) const;
 
   bool has(const std::string& name) const { return std::filesystem::exists(directory / name); }
@@ -28,7 +28,7 @@ class TempDirectory {
   std::filesystem::path directory;
 };
 
-/// Makes `path` the working directory of this process for the life of this object.
+// Makes `path` the working directory of this process for the life of this object.
 class WorkingDirectory {
  public:
   explicit WorkingDirectory(const std::filesystem::path& path)

@@ -33,7 +33,7 @@ TEST_F(HearingTest, WritesOwnMateAndOpponentInThisOrder) {
   hear(said(9, Side::Right, "enemy", {1.0, 5.0, 0.38}));
   hear(said(6, Side::Left, "mate", {4.0, 2.0, 0.38}));
   hear(said(kSelf, Side::Left, "mine", {1.0, 2.0, 0.38}));
-  EXPECT_EQ(hearing.heard(), 2);  // the own voice does not count
+  EXPECT_EQ(hearing.heard(), 2);  // its own voice does not count
   EXPECT_EQ(
       heard(),
       "(hear Alpha 12.34 self mine)(hear Alpha 12.34 0.00 mate)(hear Beta 12.34 90.00 enemy)");

@@ -127,7 +127,7 @@ const char* const kBeams[12] = {"",
                                 "(beam -4.6 -3.6 0)",
                                 "(beam -2.4 2.6 0)",
                                 "(beam -0.7 -0.7 0)",
-                                "(beam -0.22 0.055 0)"};
+                                "(beam -0.15 0.055 0)"};
 
 // The role's fall-back ran (or, for the goalie, its turn to the goal), and nothing else walked.
 void expectRole(TestPlayer& p, int number, const std::string& what) {
@@ -844,7 +844,7 @@ PLAYER_TEST(DecisionGoalieTest, StandsUpOnlyWithNothingElseToDo) {
 
 // --- The ball claim ------------------------------------------------------------------------------
 
-// A free kick of ours, so that the field roles run, with the ball at the centre. The own table
+// A free kick of ours, so that the field roles run, with the ball at the centre. Its own table
 // entry, whose head nobody sees, lies on the ground for the interception: twelve steps that are no
 // part of the cost.
 //
@@ -904,7 +904,7 @@ PLAYER_TEST(DecisionClaimTest, FromAfarNothingIsSaid) {
   Claim claim(7, -4.37, -3.935);
   EXPECT_FALSE(has(claim.answer(), "(say"));
   EXPECT_FALSE(claim.wentToGoal());
-  // But with the own number heard last the player still goes for the ball.
+  // But with its own number heard last the player still goes for the ball.
   EXPECT_FALSE(has(claim.answer("u07rc02"), "(say"));
   EXPECT_TRUE(claim.wentToGoal());
 }
@@ -914,7 +914,7 @@ PLAYER_TEST(DecisionClaimTest, ATeammateThatIsFirstGetsTheBall) {
   claim.p.scene.others.push_back({true, 9, -1, 0.2, NORTH});
   EXPECT_FALSE(has(claim.answer(), "(say"));
   EXPECT_FALSE(claim.wentToGoal());
-  // Unless the own number was heard last: that claim is acted on, in silence.
+  // Unless its own number was heard last: that claim is acted on, in silence.
   EXPECT_FALSE(has(claim.answer("u07rc06"), "(say"));
   EXPECT_TRUE(claim.wentToGoal());
 }
@@ -933,7 +933,7 @@ PLAYER_TEST(DecisionClaimTest, WithoutAnyTeammateNothingIsClaimed) {
   TestPlayer p(7);
   p.scene.x = -12;
   p.scene.mode = "free_kick_left";
-  p.settle();  // no player was ever seen: not even the own number is known to the table
+  p.settle();  // no player was ever seen: not even its own number is known to the table
   arm(p);
   EXPECT_FALSE(has(p.cycle(), "(say"));
   EXPECT_TRUE(wentByDecide(p));
@@ -1111,7 +1111,7 @@ PLAYER_TEST(DecisionPositioningTest, ProtectGoalShiftsByTheGapToTheBallsLine) {
     player.leftFootPosition = player.rightFootPosition = Vector(-10, y, 0);
   };
   for (int i = 1; i <= 11; ++i) stand(0, i, 9);
-  stand(0, 4, 2);  // the own entry does not count, the own position does: 5 away
+  stand(0, 4, 2);  // its own entry does not count, its own position does: 5 away
   stand(0, 6, 0.8f);
   arm(p);
   EXPECT_TRUE(de.protectGoal());
@@ -1131,7 +1131,7 @@ PLAYER_TEST(DecisionPositioningTest, ProtectGoalShiftsByTheGapToTheBallsLine) {
   EXPECT_NEAR(p.player.decide->lastPos.getX(), -14.4, 1e-4);
 }
 
-// For a team on the right the row of the own side holds what vision saw of the opponents.
+// For a team on the right the row of its own side holds what vision saw of the opponents.
 PLAYER_TEST(DecisionPositioningTest, ProtectGoalOfATeamOnTheRightLooksAtTheOtherRow) {
   TestPlayer p(4, SIDE_RIGHT);
   p.scene.x = -13.9;

@@ -4,12 +4,11 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <vector>
 
+#include "Common/Scene.h"
+#include "Recording/RecordingEncoder.h"
 #include "Common/Events.h"
 #include "Common/GameState.h"
-#include "Common/Scene.h"
-#include "Recording/RecordingFormat.h"
 
 namespace arena {
 
@@ -30,34 +29,12 @@ class RecordingWriter {
   bool close();
 
  private:
-  struct Robot {
-    int handle;
-    Side side;
-    int number;
-    int type;
-    RecordedRobotNumbers last{};
-    bool sameAs(const SceneRobot& robot) const {
-      return handle == robot.handle && side == robot.side && number == robot.number &&
-             type == robot.type;
-    }
-  };
-
-  void writeTeams(const GameState& game);
-  void writeRoster(std::span<const SceneRobot* const> robots);
-  void byte(std::uint64_t value) { buffer_.push_back(static_cast<char>(value & 0xff)); }
-  void unsignedNumber(std::uint64_t value);
-  void signedNumber(std::int64_t value);
-  void block(RecordingBlock kind) { byte(static_cast<std::uint8_t>(kind)); }
-  void text(std::string_view value);
-  void time(float seconds);
   void flush();
 
   void* file_;  // gzFile
   bool good_ = true;
   std::string buffer_;
-  std::array<std::string, 2> teamNames_;
-  std::vector<Robot> roster_;
-  RecordedPose lastBall_{};
+  RecordingEncoder encoder_;
   std::uint64_t cycles_ = 0;
 };
 

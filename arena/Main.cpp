@@ -5,10 +5,12 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "Match/Match.h"
 #include "Net/ArenaServer.h"
 #include "Recording/MatchReport.h"
+#include "Recording/PerceptRecord.h"
 #include "Recording/RecordingWriter.h"
 
 namespace {
@@ -59,13 +61,23 @@ class ProgressLine {
 class Chronicle {
  public:
   // Empty names: nothing is written. Throws std::runtime_error if the recording cannot be made.
-  Chronicle(const std::string& recording, const std::string& report) : reportFile_(report) {
+  Chronicle(const std::string& recording, const std::string& report, const std::string& percepts)
+      : reportFile_(report) {
     if (!recording.empty()) writer_.emplace(recording);
+    if (!percepts.empty()) percepts_.emplace(percepts);
+  }
+
+  // What the server has to tell for it, beside the cycles.
+  arena::ArenaServer::Wiretap wiretap() {
+    if (!percepts_) return {};
+    return {[this](int agent, std::string_view text) { percepts_->frame(agent, text); },
+            [this](int agent, std::string_view text) { percepts_->answer(agent, text); }};
   }
 
   void cycle(const arena::Match& match, const arena::ArenaServer::CycleReport& cycle) {
     const arena::Referee& referee = match.referee();
     if (writer_) writer_->write(match.scene(), match.game(), referee.goals(), referee.fouls());
+    if (percepts_) percepts_->endCycle(match.scene());
     if (reportFile_.empty()) return;
     report_.observe(match.scene(), match.game(), referee.goals(), referee.fouls(),
                     referee.lastTouch());
@@ -86,13 +98,15 @@ class Chronicle {
   // Throws std::runtime_error if something could not be written.
   void finish() {
     if (writer_ && !writer_->close()) throw std::runtime_error("the recording is incomplete");
-    if (!reportFile_.empty() && !report_.write(reportFile_)) {
+    if (percepts_ && !percepts_->close())
+      throw std::runtime_error("the record of the percepts is incomplete");
+    if (!reportFile_.empty() && !report_.write(reportFile_))
       throw std::runtime_error("cannot write the report " + reportFile_);
-    }
   }
 
  private:
   std::optional<arena::RecordingWriter> writer_;
+  std::optional<arena::PerceptRecord> percepts_;
   arena::MatchReport report_;
   std::string reportFile_;
 };
@@ -106,6 +120,7 @@ int main(int argc, char** argv) {
   bool quiet = false;
   std::string recording;
   std::string report;
+  std::string percepts;
 
   CLI::App app{
       "A practice pitch for robot soccer players, on simulated physics. Speaks the protocol of the "
@@ -144,7 +159,10 @@ int main(int argc, char** argv) {
   app.add_flag("--no-noise", noNoise, "exact vision, camera position and beams");
   app.add_flag("--ground-truth", matchOptions.groundTruth,
                "add the terms mypos, myorien and ballpos to what agents see");
-  app.add_option("--record", recording, "write every cycle to this file, for match-picture");
+  app.add_option("--record", recording,
+                 "write every cycle to this file, for viewer and match-picture");
+  app.add_option("--record-percepts", percepts,
+                 "write what each agent is sent and answers to this directory, for recall");
   app.add_option("--report", report,
                  "at the end write score, goals and sums to this file, as JSON");
   app.add_flag("--quiet", quiet, "no progress line, no messages but errors");
@@ -157,11 +175,12 @@ int main(int argc, char** argv) {
     matchOptions.realTime = serverOptions.realTime;
     matchOptions.log = log;
     serverOptions.handleSignals = true;
-    Chronicle chronicle(recording, report);
+    Chronicle chronicle(recording, report, percepts);
     arena::Match match(matchOptions);
     arena::ArenaServer server(match, serverOptions, log);
     log("agents at port " + std::to_string(server.agentPort()) + ", monitors at port " +
         std::to_string(server.monitorPort()));
+    server.setWiretap(chronicle.wiretap());
     server.setObserver([&](const arena::ArenaServer::CycleReport& cycle) {
       chronicle.cycle(match, cycle);
       progress.cycle(match);

@@ -110,7 +110,7 @@ void ArenaServer::acceptMonitor() {
 void ArenaServer::onAgentEvent(AgentSession& session) {
   FramedConnection& connection = *session.connection;
   while (!match_.hasScene(session.id) && connection.waiting() > 0) {
-    match_.receive(session.id, connection.take());
+    apply(session);
     session.applied = 1;
   }
   session.waitingSince = Clock::now();
@@ -224,6 +224,13 @@ void ArenaServer::removeEnded() {
   });
 }
 
+// Hands the message that has waited longest to the match.
+void ArenaServer::apply(AgentSession& session) {
+  const std::string message = session.connection->take();
+  if (wiretap_.applied) wiretap_.applied(session.id, message);
+  match_.receive(session.id, message);
+}
+
 // In the order of the match, so that it does not matter who was faster.
 void ArenaServer::handOver() {
   report_.late.clear();
@@ -237,7 +244,7 @@ void ArenaServer::handOver() {
     // Frame k, which is given in this cycle, comes after messages 1 to k - 1.
     while (session.connection->waiting() > 0 &&
            (options_.realTime || (frameDue(session) && session.applied < session.given))) {
-      match_.receive(id, session.connection->take());
+      apply(session);
       ++session.applied;
     }
   }
@@ -250,6 +257,7 @@ void ArenaServer::sendPercepts() {
       session.toldSlow = true;
       log_("agent " + std::to_string(session.id) + ": does not read, frames are dropped");
     }
+    if (wiretap_.given) wiretap_.given(session.id, match_.percept(session.id));
     ++session.given;
     session.waitingSince = Clock::now();
   }

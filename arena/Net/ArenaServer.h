@@ -10,6 +10,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Match/Match.h"
@@ -45,6 +46,11 @@ class ArenaServer {
     std::vector<Match::AgentId> late;
   };
   using Observer = std::function<void(const CycleReport&)>;
+  // Told of every frame given to an agent and of every message of an agent that is applied.
+  struct Wiretap {
+    std::function<void(Match::AgentId agent, std::string_view text)> given;
+    std::function<void(Match::AgentId agent, std::string_view text)> applied;
+  };
 
   // Opens both ports. Throws boost::system::system_error if that fails. `match` must outlive it.
   ArenaServer(Match& match, const ServerOptions& options,
@@ -54,6 +60,8 @@ class ArenaServer {
   unsigned short agentPort() const;
   unsigned short monitorPort() const;
   void setObserver(Observer observer) { observer_ = std::move(observer); }
+
+  void setWiretap(Wiretap wiretap) { wiretap_ = std::move(wiretap); }
 
   // Plays until the duration is over, a trainer asks for the end, or stop().
   void run();
@@ -98,6 +106,7 @@ class ArenaServer {
   void cycle();
   void removeEnded();
   void closeAll();
+  void apply(AgentSession& session);
   void handOver();
   void sendPercepts();
   void sendMonitors();
@@ -113,6 +122,7 @@ class ArenaServer {
   std::list<AgentSession> agents_;
   std::list<MonitorSession> monitors_;
   Observer observer_;
+  Wiretap wiretap_;
   CycleReport report_;
   long cycles_ = 0;
   bool begun_ = false;

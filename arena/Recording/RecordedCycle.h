@@ -4,9 +4,9 @@
 #include <array>
 #include <vector>
 
-#include "Common/Scene.h"
 #include "Common/Events.h"
 #include "Common/PlayMode.h"
+#include "Common/Scene.h"
 
 namespace arena {
 

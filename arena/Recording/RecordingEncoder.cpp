@@ -31,8 +31,8 @@ void appendBlock(std::string& bytes, RecordingBlock kind) {
 }
 
 void appendSigned(std::string& bytes, std::int64_t value) {
-  RecordingEncoder::appendUnsigned(bytes, (static_cast<std::uint64_t>(value) << 1) ^
-                                              static_cast<std::uint64_t>(value >> 63));
+  RecordingEncoder::appendUnsigned(
+      bytes, (static_cast<std::uint64_t>(value) << 1) ^ static_cast<std::uint64_t>(value >> 63));
 }
 
 void appendTime(std::string& bytes, float seconds) {
@@ -60,9 +60,9 @@ void RecordingEncoder::encodeTeams(const TeamNames& teams, std::string& bytes) {
 }
 
 void RecordingEncoder::encodeRoster(const std::vector<RecordedRobot>& robots, std::string& bytes) {
-  const bool same =
-      std::equal(robots.begin(), robots.end(), roster_.begin(), roster_.end(),
-                 [](const RecordedRobot& robot, const Robot& known) { return known.sameAs(robot); });
+  const bool same = std::equal(
+      robots.begin(), robots.end(), roster_.begin(), roster_.end(),
+      [](const RecordedRobot& robot, const Robot& known) { return known.sameAs(robot); });
   if (same) return;
   roster_.clear();
   appendBlock(bytes, RecordingBlock::Roster);

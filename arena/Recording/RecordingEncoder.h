@@ -15,7 +15,8 @@ namespace arena {
 // Puts cycles into the blocks of a match recording, without the file around them.
 //
 // Blocks of teams and robots stand where something about them has changed. After restart() the next
-// cycle is written with everything and as differences from nothing, so that reading can begin there.
+// cycle is written with everything and as differences from nothing, so that reading can begin
+// there.
 class RecordingEncoder {
  public:
   using TeamNames = std::array<std::string, 2>;

@@ -5,10 +5,10 @@
 #include <span>
 #include <string>
 
-#include "Common/Scene.h"
-#include "Recording/RecordingEncoder.h"
 #include "Common/Events.h"
 #include "Common/GameState.h"
+#include "Common/Scene.h"
+#include "Recording/RecordingEncoder.h"
 
 namespace arena {
 

@@ -98,10 +98,12 @@ class Chronicle {
   // Throws std::runtime_error if something could not be written.
   void finish() {
     if (writer_ && !writer_->close()) throw std::runtime_error("the recording is incomplete");
-    if (percepts_ && !percepts_->close())
+    if (percepts_ && !percepts_->close()) {
       throw std::runtime_error("the record of the percepts is incomplete");
-    if (!reportFile_.empty() && !report_.write(reportFile_))
+    }
+    if (!reportFile_.empty() && !report_.write(reportFile_)) {
       throw std::runtime_error("cannot write the report " + reportFile_);
+    }
   }
 
  private:

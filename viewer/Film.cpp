@@ -6,9 +6,9 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "Physics/RobotModel.h"
 #include "Common/Pitch.h"
 #include "Common/Units.h"
+#include "Physics/RobotModel.h"
 #include "Referee/Rules.h"
 
 namespace viewer {
@@ -34,10 +34,9 @@ constexpr const char* kShapes[] = {"box", "sphere", "capsule"};
 std::string packed(const std::string& bytes) {
   uLongf size = compressBound(static_cast<uLong>(bytes.size()));
   std::string result(size, '\0');
-  const int status =
-      compress2(reinterpret_cast<Bytef*>(result.data()), &size,
-                reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uLong>(bytes.size()),
-                kPacking);
+  const int status = compress2(reinterpret_cast<Bytef*>(result.data()), &size,
+                               reinterpret_cast<const Bytef*>(bytes.data()),
+                               static_cast<uLong>(bytes.size()), kPacking);
   if (status != Z_OK) throw std::runtime_error("a chunk cannot be packed");
   result.resize(size);
   return result;
@@ -50,19 +49,21 @@ std::string textOf(const ordered_json& json) {
 ordered_json modelOf(int type) {
   const arena::RobotModel& model = arena::robotModel(type);
   ordered_json bodies = ordered_json::array();
-  for (const arena::BodySpec& body : model.bodies)
+  for (const arena::BodySpec& body : model.bodies) {
     bodies.push_back({{"name", arena::kBodyNames[static_cast<std::size_t>(body.body)]},
                       {"parent", body.parent},
                       {"position", body.position},
                       {"shape", kShapes[static_cast<std::size_t>(body.shape)]},
                       {"size", body.size}});
+  }
   ordered_json joints = ordered_json::array();
-  for (const arena::JointSpec& joint : model.joints)
+  for (const arena::JointSpec& joint : model.joints) {
     joints.push_back({{"name", joint.perceptor},
                       {"child", joint.child},
                       {"parent", joint.parent},
                       {"anchor", joint.anchor},
                       {"axis", joint.axis}});
+  }
   return {{"bodies", bodies}, {"joints", joints}};
 }
 
@@ -88,15 +89,15 @@ ordered_json markOf(const Mark& mark) {
 
 }  // namespace
 
-const PitchMeasures kLeaguePitch = {arena::kFieldLength,   arena::kFieldWidth,
-                                    arena::kGoalWidth,     arena::kGoalDepth,
-                                    arena::kGoalHeight,    arena::kFreeKickDistance,
-                                    arena::kPenaltyLength, arena::kPenaltyWidth};
+const PitchMeasures kLeaguePitch = {
+    arena::kFieldLength, arena::kFieldWidth,       arena::kGoalWidth,     arena::kGoalDepth,
+    arena::kGoalHeight,  arena::kFreeKickDistance, arena::kPenaltyLength, arena::kPenaltyWidth};
 
 std::string withoutTags(std::string json) {
   // In JSON the sign stands within strings alone, where its number means the same.
-  for (std::size_t at = json.find('<'); at != std::string::npos; at = json.find('<', at))
+  for (std::size_t at = json.find('<'); at != std::string::npos; at = json.find('<', at)) {
     json.replace(at, 1, "\\u003c");
+  }
   return json;
 }
 
@@ -140,11 +141,13 @@ void Film::watch(const arena::RecordedCycle& cycle) {
     lastMode_ = static_cast<int>(cycle.mode);
     mark(Mark::Kind::Mode, arena::sideOf(cycle.mode), 0, std::string(arena::nameOf(cycle.mode)));
   }
-  for (const arena::GoalEvent& goal : cycle.goals)
+  for (const arena::GoalEvent& goal : cycle.goals) {
     mark(Mark::Kind::Goal, goal.side, goal.scorer,
          goal.scorerSide != Side::None && goal.scorerSide != goal.side ? "own goal" : "goal");
-  for (const arena::RecordedFoul& foul : cycle.fouls)
+  }
+  for (const arena::RecordedFoul& foul : cycle.fouls) {
     mark(Mark::Kind::Foul, foul.side, foul.number, kFouls[static_cast<std::size_t>(foul.type)]);
+  }
   for (const arena::RecordedRobot& robot : cycle.robots) {
     bool& down = down_[{robot.side, robot.number}];
     const double up = robot.torso.linear()(2, 2);
@@ -159,10 +162,8 @@ void Film::watch(const arena::RecordedCycle& cycle) {
 
 std::string Film::chunkEntry(std::size_t number) const {
   const Chunk& chunk = chunks_[number - dropped_];
-  return textOf({{"number", number},
-                 {"first", chunk.first},
-                 {"cycles", chunk.cycles},
-                 {"time", chunk.time}});
+  return textOf(
+      {{"number", number}, {"first", chunk.first}, {"cycles", chunk.cycles}, {"time", chunk.time}});
 }
 
 std::string Film::markEntry(const Mark& mark) {
@@ -178,16 +179,18 @@ std::string Film::index(const std::vector<std::pair<std::string, std::string>>& 
   json["cycles"] = cycles_;
   json["teams"] = teams_;
   json["chunks"] = ordered_json::array();
-  for (std::size_t i = firstChunk(); i < endChunk(); ++i)
+  for (std::size_t i = firstChunk(); i < endChunk(); ++i) {
     json["chunks"].push_back(ordered_json::parse(chunkEntry(i)));
+  }
   json["marks"] = ordered_json::array();
   for (const Mark& mark : marks_) json["marks"].push_back(markOf(mark));
   json["playModes"] = ordered_json::array();
   for (const arena::ModeEntry& mode : arena::kPlayModes) json["playModes"].push_back(mode.name);
   json["pitch"] = pitchOf(pitch_);
   json["robots"] = ordered_json::array();
-  for (int type = 0; type < arena::kRobotTypeCount; ++type)
+  for (int type = 0; type < arena::kRobotTypeCount; ++type) {
     json["robots"].push_back(modelOf(type));
+  }
   for (const auto& [name, value] : extra) json[name] = ordered_json::parse(value);
   return withoutTags(textOf(json));
 }

@@ -38,8 +38,9 @@ std::vector<std::string> playersOf(const std::string& record) {
     for (const auto& agent : nlohmann::json::parse(text).at("agents")) {
       const auto side = agent.at("side").get<std::string>();
       const int number = agent.at("number").get<int>();
-      if ((side == "left" || side == "right") && number >= 1 && number <= 11)
+      if ((side == "left" || side == "right") && number >= 1 && number <= 11) {
         players.push_back(side + "/" + std::to_string(number));
+      }
     }
     return players;
   } catch (const nlohmann::json::exception&) {
@@ -77,8 +78,7 @@ pid_t start(const std::vector<std::string>& command, const fs::path& output) {
   posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   posix_spawn_file_actions_adddup2(&actions, 1, 2);
   pid_t child = -1;
-  const int error =
-      posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
+  const int error = posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   return error == 0 ? child : -1;
 }
@@ -124,10 +124,12 @@ Minds::Minds(Options options) : options_(std::move(options)) {
 }
 
 Minds::~Minds() {
-  for (const auto& [player, work] : works_)
+  for (const auto& [player, work] : works_) {
     if (work->child > 0) kill(work->child, SIGKILL);
-  for (const auto& [player, work] : works_)
+  }
+  for (const auto& [player, work] : works_) {
     if (work->thread.joinable()) work->thread.join();
+  }
 }
 
 std::shared_ptr<Minds::Work> Minds::work(const std::string& player) {

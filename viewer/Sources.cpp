@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
-#include "Recording/RecordingReader.h"
 #include "Common/Pitch.h"
 #include "Common/Units.h"
+#include "Recording/RecordingReader.h"
 #include "Referee/Rules.h"
 
 namespace viewer {
@@ -14,7 +14,7 @@ namespace {
 // Five seconds: short enough to be unpacked between two pictures, long enough to pack well.
 constexpr double kChunkSeconds = 5;
 // A monitor port shows every second cycle.
-constexpr double kLiveCycle = 2 * arena::kCycle;
+constexpr double kLiveCycle = 2 * arena::kStepSeconds;
 
 std::size_t chunkCycles(double cycleSeconds) {
   return static_cast<std::size_t>(kChunkSeconds / cycleSeconds + 0.5);
@@ -24,7 +24,7 @@ std::size_t chunkCycles(double cycleSeconds) {
 
 Film filmOfRecording(const std::string& path) {
   arena::RecordingReader reader(path);
-  const double cycleSeconds = static_cast<double>(arena::kCycle);
+  const double cycleSeconds = arena::kStepSeconds;
   Film film(std::filesystem::path(path).filename().string(), cycleSeconds,
             chunkCycles(cycleSeconds));
   std::string note = "the recording was cut off here";
@@ -88,8 +88,9 @@ void LiveMatch::onMessage(const std::string& message) {
 
 void LiveMatch::onLost(const std::string& reason) {
   if (connected_) film_.note("the server has gone");
-  status_ = (seen_ ? "The server at " + address_ + " has gone (" : "No server at " + address_ + " (") +
-            reason + "); trying again";
+  status_ =
+      (seen_ ? "The server at " + address_ + " has gone (" : "No server at " + address_ + " (") +
+      reason + "); trying again";
   connected_ = false;
   film_.seal();
   callbacks_.status();

@@ -46,8 +46,8 @@ class LiveMatch {
   Film film_;
   StreamReader reader_;
   bool connected_ = false;
-  bool seen_ = false;         // a server has been there before
-  bool repairing_ = false;    // a full message has been asked for
+  bool seen_ = false;       // a server has been there before
+  bool repairing_ = false;  // a full message has been asked for
   std::string status_;
   MonitorClient client_;
 };

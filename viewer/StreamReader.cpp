@@ -23,15 +23,12 @@ constexpr int kMaxScore = 10'000;
 
 struct Measure {
   std::string_view name;
-  double PitchMeasures::* value;
+  double PitchMeasures::*value;
 };
 constexpr Measure kMeasures[] = {
-    {"FieldLength", &PitchMeasures::length},
-    {"FieldWidth", &PitchMeasures::width},
-    {"GoalWidth", &PitchMeasures::goalWidth},
-    {"GoalDepth", &PitchMeasures::goalDepth},
-    {"GoalHeight", &PitchMeasures::goalHeight},
-    {"FreeKickDistance", &PitchMeasures::circle},
+    {"FieldLength", &PitchMeasures::length},    {"FieldWidth", &PitchMeasures::width},
+    {"GoalWidth", &PitchMeasures::goalWidth},   {"GoalDepth", &PitchMeasures::goalDepth},
+    {"GoalHeight", &PitchMeasures::goalHeight}, {"FreeKickDistance", &PitchMeasures::circle},
 };
 constexpr double kLongestMeasure = 1000;  // m
 
@@ -41,12 +38,12 @@ struct PartMesh {
   arena::Body body;
 };
 constexpr PartMesh kPartMeshes[] = {
-    {"naobody", arena::Body::Torso},          {"naohead", arena::Body::Head},
+    {"naobody", arena::Body::Torso},           {"naohead", arena::Body::Head},
     {"rupperarm", arena::Body::RightUpperArm}, {"lupperarm", arena::Body::LeftUpperArm},
     {"rlowerarm", arena::Body::RightLowerArm}, {"llowerarm", arena::Body::LeftLowerArm},
-    {"rthigh", arena::Body::RightThigh},      {"lthigh", arena::Body::LeftThigh},
-    {"rshank", arena::Body::RightShank},      {"lshank", arena::Body::LeftShank},
-    {"rfoot", arena::Body::RightFoot},        {"lfoot", arena::Body::LeftFoot},
+    {"rthigh", arena::Body::RightThigh},       {"lthigh", arena::Body::LeftThigh},
+    {"rshank", arena::Body::RightShank},       {"lshank", arena::Body::LeftShank},
+    {"rfoot", arena::Body::RightFoot},         {"lfoot", arena::Body::LeftFoot},
 };
 constexpr std::string_view kBallMesh = "soccerball.obj";
 constexpr std::string_view kBodyMesh = "naobody";
@@ -57,8 +54,9 @@ std::string_view fileName(std::string_view path) {
 }
 
 bool isPartMesh(std::string_view path, arena::Body body) {
-  for (const PartMesh& mesh : kPartMeshes)
+  for (const PartMesh& mesh : kPartMeshes) {
     if (mesh.body == body && fileName(path).starts_with(mesh.file)) return true;
+  }
   return false;
 }
 
@@ -74,8 +72,9 @@ Eigen::Isometry3d rigid(const Eigen::Matrix4d& matrix) {
   Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();
   pose.translation() = matrix.block<3, 1>(0, 3);
   Eigen::Quaterniond turn(Eigen::Matrix3d(matrix.block<3, 3>(0, 0)));
-  if (turn.coeffs().allFinite() && turn.norm() > 0)
+  if (turn.coeffs().allFinite() && turn.norm() > 0) {
     pose.linear() = turn.normalized().toRotationMatrix();
+  }
   return pose;
 }
 
@@ -92,17 +91,21 @@ double hingeAngle(const Eigen::Matrix3d& parent, const Eigen::Matrix3d& child,
 void StreamReader::read(std::string_view message) {
   const bool wasSynchronous = synchronous_;
   synchronous_ = false;
-  if (expression_.read(message) != arena::SExpression::Status::kComplete)
+  if (expression_.read(message) != arena::SExpression::Status::kComplete) {
     throw StreamError("a monitor message cannot be read");
+  }
   Term lists[3];
   std::size_t count = 0;
-  for (const Term list : expression_)
+  for (const Term list : expression_) {
     if (count < 3) lists[count++] = list;
+  }
   const std::string_view head = lists[1].name();
-  if (count < 3 || (head != "RSG" && head != "RDS"))
+  if (count < 3 || (head != "RSG" && head != "RDS")) {
     throw StreamError("a monitor message has another form than the league's");
-  if (head == "RDS" && !wasSynchronous)
+  }
+  if (head == "RDS" && !wasSynchronous) {
     throw StreamError("a partial monitor message came without a full one before it");
+  }
 
   cycle_.goals.clear();
   cycle_.fouls.clear();
@@ -147,14 +150,17 @@ void StreamReader::readTerm(Term term) {
   } else if (name == "play_mode") {
     // The first word of the list of modes is its name.
     const auto at = static_cast<std::size_t>(std::max(value.integer(), 0));
-    if (at + 1 < modes_.size())
+    if (at + 1 < modes_.size()) {
       cycle_.mode = arena::modeByName(modes_[at + 1]).value_or(cycle_.mode);
+    }
   } else if (name == "foul") {
     readFoul(term);
   } else {
-    for (const Measure& measure : kMeasures)
-      if (name == measure.name && value.number() > 0 && value.number() < kLongestMeasure)
+    for (const Measure& measure : kMeasures) {
+      if (name == measure.name && value.number() > 0 && value.number() < kLongestMeasure) {
         pitch_.*measure.value = value.number();
+      }
+    }
   }
 }
 
@@ -173,9 +179,10 @@ void StreamReader::readFoul(Term term) {
                      (team == 1 || team == 2) && number >= 1 && number <= kMaxNumber;
   if (!known) return;
   const auto [last, isNew] = fouls_.try_emplace({type, team, number}, cycle_.time);
-  if (isNew || std::fabs(cycle_.time - last->second) > kSameFoul)
+  if (isNew || std::fabs(cycle_.time - last->second) > kSameFoul) {
     cycle_.fouls.push_back(
         {static_cast<arena::FoulType>(type), team == 1 ? Side::Left : Side::Right, number});
+  }
   last->second = cycle_.time;
 }
 
@@ -225,8 +232,9 @@ void StreamReader::updateNodes(Term list, int node, std::size_t firstTerm) {
     Node& known = nodes_[static_cast<std::size_t>(node)];
     if (term.name() == "SLT") readMatrix(known, term);
     if (term.name() != "nd") continue;
-    if (child == known.children.size())
+    if (child == known.children.size()) {
       throw StreamError("a partial monitor message does not fit to the full one before it");
+    }
     updateNodes(term, known.children[child++], 1);
   }
 }
@@ -237,16 +245,16 @@ void StreamReader::collect(int node, std::vector<int>& found) const {
 }
 
 void StreamReader::findBall() {
-  const auto ball = std::find_if(nodes_.begin(), nodes_.end(), [](const Node& node) {
-    return fileName(node.mesh) == kBallMesh;
-  });
+  const auto ball = std::find_if(nodes_.begin(), nodes_.end(),
+                                 [](const Node& node) { return fileName(node.mesh) == kBallMesh; });
   ball_ = ball == nodes_.end() ? -1 : static_cast<int>(ball - nodes_.begin());
 }
 
 void StreamReader::findRobots() {
   robots_.clear();
-  for (const int branch : nodes_[0].children)
+  for (const int branch : nodes_[0].children) {
     if (robots_.size() < kMaxRobots) findRobot(branch);
+  }
 }
 
 // The torso's mesh names team and number.
@@ -274,33 +282,38 @@ void StreamReader::findRobot(int branch) {
 int StreamReader::meshBelow(int node) const {
   std::vector<int> all;
   collect(node, all);
-  for (const int at : all)
+  for (const int at : all) {
     if (!nodes_[static_cast<std::size_t>(at)].mesh.empty()) return at;
+  }
   return -1;
 }
 
 std::vector<int> StreamReader::partsOf(int branch, int type) const {
   const std::vector<arena::BodySpec>& bodies = arena::robotModel(type).bodies;
   std::vector<int> transforms;
-  for (const int child : nodes_[static_cast<std::size_t>(branch)].children)
+  for (const int child : nodes_[static_cast<std::size_t>(branch)].children) {
     if (nodes_[static_cast<std::size_t>(child)].transform) transforms.push_back(child);
+  }
   // In the order of the model, if the number is right; else what has a mesh is known by that.
   if (transforms.size() == bodies.size()) return transforms;
   std::vector<int> parts(bodies.size(), -1);
   for (const int transform : transforms) {
     const int mesh = meshBelow(transform);
     if (mesh < 0) continue;
-    for (std::size_t i = 0; i < bodies.size(); ++i)
-      if (parts[i] < 0 && isPartMesh(nodes_[static_cast<std::size_t>(mesh)].mesh, bodies[i].body))
+    for (std::size_t i = 0; i < bodies.size(); ++i) {
+      if (parts[i] < 0 && isPartMesh(nodes_[static_cast<std::size_t>(mesh)].mesh, bodies[i].body)) {
         parts[i] = transform;
+      }
+    }
   }
   return parts;
 }
 
 Eigen::Isometry3d StreamReader::world(int node) const {
   Eigen::Matrix4d matrix = Eigen::Matrix4d::Identity();
-  for (int at = node; at >= 0; at = nodes_[static_cast<std::size_t>(at)].parent)
+  for (int at = node; at >= 0; at = nodes_[static_cast<std::size_t>(at)].parent) {
     matrix = nodes_[static_cast<std::size_t>(at)].matrix * matrix;
+  }
   return rigid(matrix);
 }
 
@@ -310,8 +323,9 @@ void StreamReader::place() {
   for (const Robot& robot : robots_) {
     const arena::RobotModel& model = arena::robotModel(robot.type);
     std::vector<Eigen::Isometry3d> poses;
-    for (const int part : robot.parts)
+    for (const int part : robot.parts) {
       poses.push_back(part < 0 ? Eigen::Isometry3d::Identity() : world(part));
+    }
     arena::RecordedRobot& shown = cycle_.robots.emplace_back();
     shown.side = robot.side;
     shown.number = robot.number;
@@ -321,8 +335,8 @@ void StreamReader::place() {
       const auto child = static_cast<std::size_t>(model.joints[j].child);
       const auto parent = static_cast<std::size_t>(model.joints[j].parent);
       if (robot.parts[child] < 0 || robot.parts[parent] < 0) continue;
-      shown.joints[j] = static_cast<float>(hingeAngle(poses[parent].linear(), poses[child].linear(),
-                                                      model.joints[j].axis));
+      shown.joints[j] = static_cast<float>(
+          hingeAngle(poses[parent].linear(), poses[child].linear(), model.joints[j].axis));
     }
   }
 }

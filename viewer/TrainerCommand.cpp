@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "Common/PlayMode.h"
 #include "Common/Pitch.h"
+#include "Common/PlayMode.h"
 #include "Common/Units.h"
 #include "Referee/Rules.h"
 
@@ -91,7 +91,7 @@ std::string ball(const json& request) {
 // The port turns a robot that looks along +x by -90 degrees.
 std::string movePlayer(const json& request) {
   return format("(agent %s(move %.3f %.3f %.2f %.1f))", player(request).c_str(),
-                place(request, "x"), place(request, "y"), arena::kBeamHeight,
+                place(request, "x"), place(request, "y"), arena::kDropHeight,
                 number(request, "heading", -360, 360) - 90);
 }
 
@@ -114,8 +114,9 @@ std::optional<std::string> trainerCommand(std::string_view text) {
   try {
     const json request = json::parse(text);
     const auto wanted = request.at("trainer").get<std::string>();
-    for (const Entry& entry : kCommands)
+    for (const Entry& entry : kCommands) {
       if (entry.name == wanted) return entry.command(request);
+    }
   } catch (const std::exception&) {
     // Not understood, like an unknown name.
   }

@@ -71,9 +71,10 @@ WebServer::Answer Viewer::get(std::string_view path) {
   constexpr std::string_view kMind = "/mind/";
   path = path.substr(0, path.find('?'));
   if (path == "/") {
-    if (builtPage().empty())
+    if (builtPage().empty()) {
       return {503, "text/plain; charset=utf-8",
               "This program was built without its page: node and npm were missing.\n"};
+    }
     return {200, kHtml, std::string(builtPage())};
   }
   if (path == "/film") return {200, kJson, index()};
@@ -112,12 +113,9 @@ void Viewer::receive(std::string_view text) {
 
 std::string Viewer::statusNews() const {
   const PitchMeasures& pitch = film().pitch();
-  const json news = {{"news", "status"},
-                     {"connected", live_->connected()},
-                     {"status", live_->status()},
-                     {"teams", film().teams()},
-                     {"length", pitch.length},
-                     {"width", pitch.width}};
+  const json news = {{"news", "status"},          {"connected", live_->connected()},
+                     {"status", live_->status()}, {"teams", film().teams()},
+                     {"length", pitch.length},    {"width", pitch.width}};
   return news.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
@@ -130,9 +128,10 @@ void Viewer::tellNews() {
   for (toldChunks_ = std::max(toldChunks_, film().firstChunk()); toldChunks_ < film().endChunk();
        ++toldChunks_)
     server_.broadcast({"{\"news\":\"chunk\",\"chunk\":" + film().chunkEntry(toldChunks_) + "}"});
-  for (; toldMarks_ < film().marks().size(); ++toldMarks_)
+  for (; toldMarks_ < film().marks().size(); ++toldMarks_) {
     server_.broadcast(
         {"{\"news\":\"mark\",\"mark\":" + Film::markEntry(film().marks()[toldMarks_]) + "}"});
+  }
 }
 
 // A picture is the number of the cycle, 4 bytes with the lowest first, and a chunk of it alone.

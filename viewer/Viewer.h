@@ -15,7 +15,8 @@ namespace viewer {
 
 // Shows one match to browsers: a recorded one, or one that is running.
 //
-// Paths: / (the page), /film (its index), /chunk/N, /mind/SIDE/N, and the WebSocket of a live match.
+// Paths: / (the page), /film (its index), /chunk/N, /mind/SIDE/N, and the WebSocket of a live
+// match.
 class Viewer {
  public:
   // A recorded match. Both must outlive the viewer.

@@ -23,17 +23,18 @@ namespace websocket = beast::websocket;
 using Tcp = asio::ip::tcp;
 
 constexpr std::size_t kMaxConnections = 128;
-constexpr std::chrono::seconds kPatience{30};     // for a request, or for an answer to be taken
-constexpr std::uint32_t kMaxHeader = 16 * 1024;   // bytes
-constexpr std::uint64_t kMaxBody = 1024;          // bytes; no request needs any
-constexpr std::size_t kMaxMessage = 4096;         // bytes, of what a page says
+constexpr std::chrono::seconds kPatience{30};       // for a request, or for an answer to be taken
+constexpr std::uint32_t kMaxHeader = 16 * 1024;     // bytes
+constexpr std::uint64_t kMaxBody = 1024;            // bytes; no request needs any
+constexpr std::size_t kMaxMessage = 4096;           // bytes, of what a page says
 constexpr std::size_t kPictureBacklog = 256 << 10;  // bytes unsent, beyond which pictures are left
 constexpr std::size_t kMaxBacklog = 16 << 20;       // bytes unsent, beyond which a page is left
 constexpr std::string_view kSocketPath = "/socket";
 
 // Everything of a page stands in one file: it may run itself and talk to this server, no more.
 constexpr const char* kContentPolicy =
-    "default-src 'none'; script-src 'unsafe-inline'; style-src 'unsafe-inline'; img-src data: blob:; "
+    "default-src 'none'; script-src 'unsafe-inline'; style-src 'unsafe-inline'; img-src data: "
+    "blob:; "
     "connect-src 'self' ws:; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
 
 using Request = http::request<http::string_body>;
@@ -127,8 +128,9 @@ class WebServer::Core::Page : public std::enable_shared_from_this<Page> {
  private:
   void onOpen() {
     core_->add(shared_from_this());
-    for (News& news : core_->callbacks().greeting())
+    for (News& news : core_->callbacks().greeting()) {
       send(std::make_shared<const News>(std::move(news)));
+    }
     read();
   }
 
@@ -215,8 +217,9 @@ class WebServer::Core::Visit : public std::enable_shared_from_this<Visit> {
 void WebServer::Core::accept() {
   acceptor_.async_accept([self = shared_from_this()](beast::error_code error, Tcp::socket socket) {
     if (error == asio::error::operation_aborted) return;
-    if (!error && self->connections_ < kMaxConnections)
+    if (!error && self->connections_ < kMaxConnections) {
       std::make_shared<Visit>(self, std::move(socket))->read();
+    }
     if (!error) return self->accept();
     // Out of descriptors, say: that passes.
     self->pause_.expires_after(std::chrono::milliseconds(100));
@@ -242,8 +245,9 @@ void WebServer::Core::broadcast(const std::shared_ptr<const News>& news) {
 // Whoever makes a browser take a name of his own for this machine does not get in.
 bool WebServer::Core::isOwnHost(std::string_view host) const {
   const std::string name(nameOfHost(host));
-  if (name == "localhost" || std::find(names_.begin(), names_.end(), name) != names_.end())
+  if (name == "localhost" || std::find(names_.begin(), names_.end(), name) != names_.end()) {
     return true;
+  }
   beast::error_code error;
   asio::ip::make_address(name, error);
   return !error;

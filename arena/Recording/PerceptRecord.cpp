@@ -71,8 +71,9 @@ PerceptRecord::PerceptRecord(const std::string& directory) : directory_(director
   std::error_code error;
   fs::create_directories(directory, error);
   if (error) throw std::runtime_error("cannot make the directory " + directory);
-  for (const fs::directory_entry& entry : fs::directory_iterator(directory))
+  for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
     if (isOfRecord(entry.path())) fs::remove(entry.path());
+  }
 }
 
 PerceptRecord::~PerceptRecord() {
@@ -109,7 +110,7 @@ void PerceptRecord::endCycle(const Scene& scene) {
 bool PerceptRecord::writeAgents() const {
   constexpr const char* kSides[] = {"left", "right", "none"};
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
-  for (const auto& [id, agent] : agents_)
+  for (const auto& [id, agent] : agents_) {
     list.push_back({{"agent", id},
                     {"side", kSides[index(agent->side)]},
                     {"number", agent->number},
@@ -117,6 +118,7 @@ bool PerceptRecord::writeAgents() const {
                     {"firstCycle", agent->firstCycle},
                     {"frames", agent->frames.frames},
                     {"answers", agent->answers.frames}});
+  }
   std::ofstream file(fs::path(directory_) / kAgents);
   file << nlohmann::ordered_json{{"version", 1}, {"agents", list}}.dump(2) << '\n';
   return static_cast<bool>(file.flush());

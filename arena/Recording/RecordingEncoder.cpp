@@ -17,8 +17,9 @@ std::int64_t stored(double value, double unit) {
 
 template <class Numbers>
 void storePose(const Eigen::Isometry3d& pose, Numbers& numbers) {
-  for (Eigen::Index i = 0; i < 3; ++i)
+  for (Eigen::Index i = 0; i < 3; ++i) {
     numbers[static_cast<std::size_t>(i)] = stored(pose.translation()[i], kRecordedLength);
+  }
   Eigen::Quaterniond turn(pose.linear());
   // Of the two quaternions of a rotation the one with positive w, so that nothing jumps needlessly.
   if (turn.w() < 0) turn.coeffs() = -turn.coeffs();
@@ -90,10 +91,12 @@ void RecordingEncoder::encodeCycle(const RecordedCycle& cycle, std::string& byte
     RecordedRobotNumbers numbers{};
     storePose(robot.torso, numbers);
     const std::size_t joints = jointCount(robot.type);
-    for (std::size_t j = 0; j < joints; ++j)
+    for (std::size_t j = 0; j < joints; ++j) {
       numbers[kPoseNumbers + j] = stored(static_cast<double>(robot.joints[j]), kRecordedAngle);
-    for (std::size_t i = 0; i < kPoseNumbers + joints; ++i)
+    }
+    for (std::size_t i = 0; i < kPoseNumbers + joints; ++i) {
       appendSigned(bytes, numbers[i] - roster_[r].last[i]);
+    }
     roster_[r].last = numbers;
   }
 }

@@ -18,13 +18,16 @@ RecordedCycle recorded(const Scene& scene, const GameState& game, std::span<cons
   cycle.half = game.half;
   cycle.score = game.score;
   cycle.ball = scene.ball;
-  for (const SceneRobot& robot : scene.robots)
-    if (robot.side != Side::None)
+  for (const SceneRobot& robot : scene.robots) {
+    if (robot.side != Side::None) {
       cycle.robots.push_back({robot.handle, robot.side, robot.number, robot.type,
                               robot.pose(Body::Torso), robot.joints});
+    }
+  }
   cycle.goals.assign(goals.begin(), goals.end());
-  for (const FoulEvent& foul : fouls)
+  for (const FoulEvent& foul : fouls) {
     if (foul.first) cycle.fouls.push_back({foul.type, foul.side, foul.number});
+  }
   return cycle;
 }
 
@@ -50,8 +53,9 @@ void RecordingWriter::write(const Scene& scene, const GameState& game,
 void RecordingWriter::flush() {
   const auto size = static_cast<unsigned>(buffer_.size());
   if (size > 0 &&
-      gzwrite(static_cast<gzFile>(file_), buffer_.data(), size) != static_cast<int>(size))
+      gzwrite(static_cast<gzFile>(file_), buffer_.data(), size) != static_cast<int>(size)) {
     good_ = false;
+  }
   buffer_.clear();
 }
 

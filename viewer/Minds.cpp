@@ -35,7 +35,8 @@ std::vector<std::string> playersOf(const std::string& record) {
   const std::string text = contentOf(fs::path(record) / "agents.json");
   try {
     std::vector<std::string> players;
-    for (const auto& agent : nlohmann::json::parse(text).at("agents")) {
+    const auto content = nlohmann::json::parse(text);
+    for (const auto& agent : content.at("agents")) {
       const auto side = agent.at("side").get<std::string>();
       const int number = agent.at("number").get<int>();
       if ((side == "left" || side == "right") && number >= 1 && number <= 11) {

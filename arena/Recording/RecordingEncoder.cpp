@@ -31,11 +31,6 @@ void appendBlock(std::string& bytes, RecordingBlock kind) {
   RecordingEncoder::appendByte(bytes, static_cast<std::uint8_t>(kind));
 }
 
-void appendSigned(std::string& bytes, std::int64_t value) {
-  RecordingEncoder::appendUnsigned(
-      bytes, (static_cast<std::uint64_t>(value) << 1) ^ static_cast<std::uint64_t>(value >> 63));
-}
-
 void appendTime(std::string& bytes, float seconds) {
   const auto bits = std::bit_cast<std::uint32_t>(seconds);
   for (int shift = 0; shift < 32; shift += 8) RecordingEncoder::appendByte(bytes, bits >> shift);
@@ -46,6 +41,11 @@ void appendTime(std::string& bytes, float seconds) {
 void RecordingEncoder::appendUnsigned(std::string& bytes, std::uint64_t value) {
   for (; value >= 0x80; value >>= 7) appendByte(bytes, (value & 0x7f) | 0x80);
   appendByte(bytes, value);
+}
+
+void RecordingEncoder::appendSigned(std::string& bytes, std::int64_t value) {
+  appendUnsigned(
+      bytes, (static_cast<std::uint64_t>(value) << 1) ^ static_cast<std::uint64_t>(value >> 63));
 }
 
 void RecordingEncoder::encodeTeams(const TeamNames& teams, std::string& bytes) {

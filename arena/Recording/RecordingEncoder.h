@@ -25,10 +25,12 @@ class RecordingEncoder {
   void encode(const RecordedCycle& cycle, const TeamNames& teams, std::string& bytes);
   void restart() { *this = RecordingEncoder(); }
 
+  // The numbers of the format.
   static void appendByte(std::string& bytes, std::uint64_t value) {
     bytes.push_back(static_cast<char>(value & 0xff));
   }
   static void appendUnsigned(std::string& bytes, std::uint64_t value);
+  static void appendSigned(std::string& bytes, std::int64_t value);
 
  private:
   struct Robot {

@@ -212,7 +212,7 @@ void MindRecord::addSelf(const OurPlayer& player) {
   located_ = belief.located;
   const Vector place = player.WM->getAgentPosition();
   addPlace("Self", "self", "Own", located_ ? &place : nullptr);
-  number("Self", "self.heading", "Facing", "°", kHundredth,
+  number("Heading", "self.heading", "Facing", "°", kHundredth,
          std::remainder(belief.self.heading + (side_ < 0 ? 180 : 0), 360));
   const auto turn = quaternionOf(player.WM->mySelf->getGyroRotation(), side_);
   const char* const names[] = {"qw", "qx", "qy", "qz"};

@@ -394,12 +394,20 @@ export class App {
       let mind = this.minds.get(player);
       if (!mind) this.minds.set(player, (mind = this.film.mind(player).then((packed) => Mind.unpack(packed))));
       const ready = await mind;
-      if (player === this.chosen) this.mindPanel = new MindPanel(panel, ready, (cycle) => this.seek(Math.round(cycle)));
+      if (player === this.chosen) {
+        this.mindPanel = new MindPanel(panel, this.nameOf(player), ready, (cycle) => this.seek(Math.round(cycle)));
+      }
     } catch (error) {
       this.minds.delete(player);
       title.textContent = error instanceof Error ? error.message : String(error);
     }
     this.dirty = true;
+  }
+
+  // "Quolnaris 7"
+  private nameOf(player: string): string {
+    const robot = this.robotOf(player);
+    return robot && this.shown ? `${this.shown.teams[robot.side] || kSides[robot.side]} ${robot.number}` : player;
   }
 
   private get mind(): Mind | undefined {

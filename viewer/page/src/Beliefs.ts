@@ -81,7 +81,7 @@ export class Beliefs {
   private readonly target: THREE.Group;
   private readonly view: THREE.Mesh;
   private readonly way: THREE.Line;
-  private readonly path = new Ribbon(kPathCycles / kPathStep + 2, kColour, 0.05);
+  private readonly path = new Ribbon(kPathCycles / kPathStep + 2, kColour, 0.02);
   private readonly others: THREE.Mesh[] = [];
 
   constructor(models: RobotModel[], ballRadius: number) {

@@ -43,12 +43,13 @@ export class MindPanel {
 
   constructor(
     panel: HTMLElement,
+    name: string,
     readonly mind: Mind,
     private readonly seek: (cycle: number) => void,
   ) {
     panel.replaceChildren();
     const title = panel.appendChild(document.createElement("h2"));
-    title.textContent = `What ${mind.header.player} believes`;
+    title.textContent = `What ${name} believes`;
     const verdict = panel.appendChild(document.createElement("p"));
     verdict.className = mind.header.same ? "visually-hidden" : "warn";
     verdict.textContent = mind.header.verdict;
@@ -63,7 +64,7 @@ export class MindPanel {
     pick.append(this.makePicker());
     this.list = panel.appendChild(document.createElement("div"));
     this.list.className = "plots";
-    for (const group of ["Self", "Ball", "Motion"]) this.addGroup(group);
+    for (const group of ["Self", "Heading", "Ball", "Motion"]) this.addGroup(group);
   }
 
   // Groups of columns that belong together, and every column alone.
@@ -167,14 +168,21 @@ export class MindPanel {
     const x = (r: number): number => ((r - from) / kStretch) * width;
     const y = (v: number): number => height - 4 - ((v - low) / (high - low)) * (height - 8);
     pen.lineWidth = 1.4;
-    columns.forEach(({ values }, i) => {
+    columns.forEach(({ values, unit }, i) => {
       pen.strokeStyle = kColours[i % kColours.length] ?? "#fff";
       pen.beginPath();
       let drawing = false;
       for (let r = from; r < to; ++r) {
         const v = values[r] ?? Number.NaN;
-        if (Number.isFinite(v)) drawing ? pen.lineTo(x(r), y(v)) : pen.moveTo(x(r), y(v));
-        drawing = Number.isFinite(v);
+        if (!Number.isFinite(v)) {
+          drawing = false;
+          continue;
+        }
+        // An angle that passes 180 degrees comes in again at the other end.
+        if (unit === "°" && Math.abs(v - (values[r - 1] ?? v)) > 180) drawing = false;
+        if (drawing) pen.lineTo(x(r), y(v));
+        else pen.moveTo(x(r), y(v));
+        drawing = true;
       }
       pen.stroke();
     });

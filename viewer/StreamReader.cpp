@@ -20,6 +20,7 @@ constexpr std::size_t kMaxRobots = 64;
 constexpr std::size_t kMaxModes = 256;
 constexpr std::size_t kMaxName = 256;
 constexpr int kMaxScore = 10'000;
+constexpr double kLatest = 1e6;  // s of game time
 
 struct Measure {
   std::string_view name;
@@ -129,7 +130,7 @@ void StreamReader::readTerm(Term term) {
   const auto named = [](Term text) { return std::string(text.text().substr(0, kMaxName)); };
   if (name == "time") {
     const double time = value.number();
-    if (std::isfinite(time)) cycle_.time = static_cast<float>(time);
+    if (std::fabs(time) < kLatest) cycle_.time = static_cast<float>(time);
   } else if (name == "team_left") {
     teams_[0] = named(value);
   } else if (name == "team_right") {

@@ -13,7 +13,7 @@ const kKeptChunks = 24; // unpacked, two minutes
 
 export class Film {
   private readonly unpacked = new Map<number, Cycle[]>(); // the one used last comes last
-  private readonly awaited = new Set<number>();
+  private readonly awaited = new Map<number, Promise<void>>();
   private readonly recent = new Map<number, Cycle>(); // live: cycles that are in no chunk yet
   readonly failures: string[] = [];
   onChange: () => void = () => {};
@@ -80,9 +80,14 @@ export class Film {
     if (next && !this.unpacked.has(next.number)) void this.fetch(next.number);
   }
 
-  private async fetch(number: number): Promise<void> {
-    if (this.awaited.has(number) || this.unpacked.has(number)) return;
-    this.awaited.add(number);
+  private fetch(number: number): Promise<void> {
+    if (this.unpacked.has(number)) return Promise.resolve();
+    let coming = this.awaited.get(number);
+    if (!coming) this.awaited.set(number, (coming = this.unpack(number)));
+    return coming;
+  }
+
+  private async unpack(number: number): Promise<void> {
     try {
       this.unpacked.set(number, readChunk(await inflate(await this.source.chunk(number))));
       for (const oldest of this.unpacked.keys()) {

@@ -1,7 +1,14 @@
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <charconv>
 #include <chrono>
+#include <csignal>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <fstream>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -9,11 +16,17 @@
 
 #include "Match/Match.h"
 #include "Net/ArenaServer.h"
+#include "Net/EventLog.h"
 #include "Recording/MatchReport.h"
 #include "Recording/PerceptRecord.h"
 #include "Recording/RecordingWriter.h"
+#include "Trainer/TrainerScript.h"
+#include "Wire/Printable.h"
 
 namespace {
+
+// Of a wrong option, how much is repeated.
+constexpr std::size_t kShownInput = 60;
 
 // One line on standard error that is rewritten about once a second.
 class ProgressLine {
@@ -60,9 +73,11 @@ class ProgressLine {
 // Writes down what happens, as far as it is wanted.
 class Chronicle {
  public:
-  // Empty names: nothing is written. Throws std::runtime_error if the recording cannot be made.
+  // Empty names: nothing is written. Throws std::runtime_error if one of the files cannot be made.
   Chronicle(const std::string& recording, const std::string& report, const std::string& percepts)
       : reportFile_(report) {
+    // Found out now and not after the match. What is there stays until there is a new report.
+    if (!report.empty() && !std::ofstream(report, std::ios::app)) refuseReport();
     if (!recording.empty()) writer_.emplace(recording);
     if (!percepts.empty()) percepts_.emplace(percepts);
   }
@@ -95,23 +110,73 @@ class Chronicle {
     }
   }
 
+  // While nothing happens.
+  void idle() {
+    if (writer_) writer_->keepFresh();
+  }
+
   // Throws std::runtime_error if something could not be written.
   void finish() {
-    if (writer_ && !writer_->close()) throw std::runtime_error("the recording is incomplete");
-    if (percepts_ && !percepts_->close()) {
-      throw std::runtime_error("the record of the percepts is incomplete");
-    }
-    if (!reportFile_.empty() && !report_.write(reportFile_)) {
-      throw std::runtime_error("cannot write the report " + reportFile_);
-    }
+    const bool recorded = !writer_ || writer_->close();
+    const bool perceived = !percepts_ || percepts_->close();
+    if (!reportFile_.empty() && !report_.write(reportFile_)) refuseReport();
+    if (!recorded) throw std::runtime_error("the recording is incomplete");
+    if (!perceived) throw std::runtime_error("the record of the percepts is incomplete");
   }
 
  private:
+  [[noreturn]] void refuseReport() const {
+    throw std::runtime_error("cannot write the report " + reportFile_ + ": " +
+                             std::strerror(errno));
+  }
+
   std::optional<arena::RecordingWriter> writer_;
   std::optional<arena::PerceptRecord> percepts_;
   arena::MatchReport report_;
   std::string reportFile_;
 };
+
+// Throws std::runtime_error if the file cannot be read or understood.
+arena::TrainerScript readTrainerScript(const std::string& path) {
+  if (path.empty()) return {};
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error("cannot read the trainer script " + path);
+  return arena::TrainerScript(file);
+}
+
+// More than thirty years, in seconds.
+constexpr double kLongest = 1e9;
+
+// A number of seconds, of which there can be only so many.
+CLI::Validator seconds(bool orNone) {
+  return {[orNone](std::string& input) {
+            double value = 0;
+            const char* end = input.data() + input.size();
+            const auto [rest, error] = std::from_chars(input.data(), end, value);
+            const bool number = error == std::errc() && rest == end;
+            if (number && value <= kLongest && (orNone ? value >= 0 : value > 0)) {
+              return std::string();
+            }
+            return "'" + arena::printable(input, kShownInput) + "' is no number of seconds " +
+                   (orNone ? "from 0" : "above 0") + " up to 1000000000";
+          },
+          ""};
+}
+
+CLI::Validator wholeNumber(std::uint64_t largest) {
+  return {[largest](std::string& input) {
+            std::uint64_t value = 0;
+            const char* end = input.data() + input.size();
+            const auto [rest, error] = std::from_chars(input.data(), end, value);
+            if (error == std::errc() && rest == end && value <= largest) {
+              input = std::to_string(value);  // with zeros before it, it would be read as octal
+              return std::string();
+            }
+            return "'" + arena::printable(input, kShownInput) + "' is no whole number from 0 to " +
+                   std::to_string(largest);
+          },
+          ""};
+}
 
 }  // namespace
 
@@ -123,31 +188,37 @@ int main(int argc, char** argv) {
   std::string recording;
   std::string report;
   std::string percepts;
+  std::string scriptFile;
 
   CLI::App app{
       "A practice pitch for robot soccer players, on simulated physics. Speaks the protocol of the "
       "league's simulation server: agents connect at one port, trainers and monitors at another."};
+  constexpr auto kLastPort = std::numeric_limits<std::uint16_t>::max();
   app.add_option("--agent-port", serverOptions.agentPort, "TCP port for agents; 0: any free one")
-      ->capture_default_str();
+      ->capture_default_str()
+      ->check(wholeNumber(kLastPort));
   app.add_option("--monitor-port", serverOptions.monitorPort,
                  "TCP port for trainers and monitors; 0: any free one")
-      ->capture_default_str();
-  app.add_option("--bind", serverOptions.bind, "address to listen at")->capture_default_str();
+      ->capture_default_str()
+      ->check(wholeNumber(kLastPort));
+  app.add_option("--bind", serverOptions.bind, "IP address to listen at")->capture_default_str();
   app.add_flag("--real-time", serverOptions.realTime,
                "50 cycles a second by the wall clock; default: lockstep, each cycle as soon as all "
                "agents have answered");
   app.add_option("--agent-timeout", serverOptions.agentTimeout,
                  "lockstep: seconds of silence after which an agent is no longer waited for")
       ->capture_default_str()
-      ->check(CLI::PositiveNumber);
-  app.add_option("--seed", matchOptions.seed, "seed of all random numbers")->capture_default_str();
+      ->check(seconds(false));
+  app.add_option("--seed", matchOptions.seed, "seed of all random numbers")
+      ->capture_default_str()
+      ->check(wholeNumber(std::numeric_limits<std::uint64_t>::max()));
   app.add_option("--duration", serverOptions.duration,
                  "end after so many seconds of game time; 0: never")
       ->capture_default_str()
-      ->check(CLI::NonNegativeNumber);
+      ->check(seconds(true));
   app.add_option("--half-time", matchOptions.halfTime, "seconds of game time in one half")
       ->capture_default_str()
-      ->check(CLI::PositiveNumber);
+      ->check(seconds(false));
   app.add_flag("--auto-kick-off", matchOptions.autoKickOff,
                "kick off without a trainer after a while");
   app.add_flag("--coin-toss", matchOptions.coinToss,
@@ -157,38 +228,55 @@ int main(int argc, char** argv) {
   app.add_option("--wait-agents", serverOptions.waitAgents,
                  "hold the first cycle until so many agents have loaded their scene")
       ->capture_default_str()
-      ->check(CLI::NonNegativeNumber);
+      ->check(wholeNumber(arena::ArenaServer::kMaxAgents));
   app.add_flag("--no-noise", noNoise, "exact vision, camera position and beams");
   app.add_flag("--ground-truth", matchOptions.groundTruth,
                "add the terms mypos, myorien and ballpos to what agents see");
   app.add_option("--record", recording,
-                 "write every cycle to this file, for viewer and match-picture");
+                 "write every cycle to this file, for viewer and match-picture; what is there can "
+                 "be read at any time, and after a crash");
   app.add_option("--record-percepts", percepts,
                  "write what each agent is sent and answers to this directory, for recall");
   app.add_option("--report", report,
                  "at the end write score, goals and sums to this file, as JSON");
+  app.add_option("--trainer-script", scriptFile,
+                 "trainer commands for given cycles: lines CYCLE COMMANDS, counted from 1");
   app.add_flag("--quiet", quiet, "no progress line, no messages but errors");
+  app.footer(
+      "Interrupt, terminate and hang-up (SIGINT, SIGTERM, SIGHUP) end the match in order: "
+      "recording "
+      "and\nreport are complete. What clients do over and over is told once and then counted.");
   CLI11_PARSE(app, argc, argv);
 
+  // Whoever reads the messages may go before the match ends.
+  std::signal(SIGPIPE, SIG_IGN);
   try {
     ProgressLine progress(quiet);
-    const auto log = [&progress](const std::string& text) { progress.log(text); };
+    arena::EventLog events([&progress](const std::string& line) { progress.log(line); });
+    const auto log = [&events](const std::string& line) { events.note(line); };
     matchOptions.noise = !noNoise;
     matchOptions.realTime = serverOptions.realTime;
     matchOptions.log = log;
     serverOptions.handleSignals = true;
-    Chronicle chronicle(recording, report, percepts);
+    arena::TrainerScript script = readTrainerScript(scriptFile);
+    long cycles = 0;
     arena::Match match(matchOptions);
+    // Before any file is touched: a second arena at the same ports must not harm the first one's.
     arena::ArenaServer server(match, serverOptions, log);
+    Chronicle chronicle(recording, report, percepts);
     log("agents at port " + std::to_string(server.agentPort()) + ", monitors at port " +
         std::to_string(server.monitorPort()));
     server.setWiretap(chronicle.wiretap());
+    script.beforeCycle(cycles, match.trainer());
     server.setObserver([&](const arena::ArenaServer::CycleReport& cycle) {
       chronicle.cycle(match, cycle);
+      script.beforeCycle(++cycles, match.trainer());
       progress.cycle(match);
     });
+    server.setIdler([&chronicle] { chronicle.idle(); });
     server.run();
     progress.finish();
+    events.finish();
     chronicle.finish();
     return 0;
   } catch (const std::exception& error) {

@@ -13,56 +13,24 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
-#include <new>
 #include <string>
 #include <vector>
 
 #include "Agent/OurPlayer.h"
-#include "RecordingReader.h"
+#include "BenchKit.h"
+#include "FrameRecording.h"
 
 namespace {
 
-long allocations = 0;
-long blocks = 0;  // in use
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  void* const block = std::malloc(size);
-  if (block == nullptr) throw std::bad_alloc();
-  ++allocations;
-  ++blocks;
-  return block;
-}
-[[gnu::noinline]] void operator delete(void* block) noexcept {
-  if (block != nullptr) --blocks;
-  std::free(block);
-}
-[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
-  operator delete(block);
-}
-
-namespace {
-
-namespace fs = std::filesystem;
+using bench::allocations;
+using bench::blocks;
 using Clock = std::chrono::steady_clock;
 
 // The answers to the scene, init and beam messages come before the first cycle.
 constexpr std::size_t kHandshake = 12;
-
-// A working directory as in play: the configuration, and a place for the log.
-void enterWorkingDirectory() {
-  const fs::path directory = fs::temp_directory_path() / "quolnaris-cycle-bench";
-  fs::remove_all(directory);
-  fs::create_directories(directory / "Logs");
-  fs::create_directory_symlink(fs::path(QUOLNARIS_SOURCE_DIR) / "Configs", directory / "Configs");
-  fs::current_path(directory);
-}
 
 std::unique_ptr<OurPlayer> makePlayer(int number) {
   std::string arguments[] = {"quolnaris", "--number", std::to_string(number)};
@@ -126,14 +94,9 @@ void playRecording(benchmark::State& state, const char* name, int number) {
       firstPass = false;
     }
   }
-  const auto percentile = [&](double share) {
-    const auto rank = static_cast<std::size_t>(share * static_cast<double>(times.size() - 1));
-    std::nth_element(times.begin(), times.begin() + static_cast<long>(rank), times.end());
-    return times[rank] * 1e6;
-  };
-  state.counters["median_us"] = percentile(0.5);
-  state.counters["p99_us"] = percentile(0.99);
-  state.counters["max_us"] = percentile(1);
+  state.counters["median_us"] = bench::percentile(times, 0.5);
+  state.counters["p99_us"] = bench::percentile(times, 0.99);
+  state.counters["max_us"] = bench::percentile(times, 1);
   state.counters["allocations"] =
       static_cast<double>(allocated) / static_cast<double>(state.iterations());
   state.counters["left_behind"] = static_cast<double>(leftBehind);
@@ -166,10 +129,5 @@ BENCHMARK(BM_Defender)->UseManualTime()->Unit(benchmark::kMicrosecond);
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  enterWorkingDirectory();
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
+  return bench::run(argc, argv, [] { bench::enterWorkingDirectory("cycle-bench"); });
 }

@@ -4,7 +4,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
-#include <filesystem>
 
 #include "Agent/OurPlayer.h"
 #include "BasicAction/BackWalk.h"
@@ -16,6 +15,7 @@
 #include "BasicAction/TAB.h"
 #include "BasicAction/Turn.h"
 #include "BasicAction/Walk.h"
+#include "BenchKit.h"
 
 namespace {
 
@@ -29,12 +29,7 @@ const Vector kTarget(5, 5, 0);
 // The player with the deployment's configuration, in a directory of its own that takes its log.
 OurPlayer& player() {
   static OurPlayer& instance = [&]() -> OurPlayer& {
-    namespace fs = std::filesystem;
-    const fs::path directory = fs::temp_directory_path() / "quolnaris-gait-bench";
-    fs::create_directories(directory / "Logs");
-    fs::remove(directory / "Configs");
-    fs::create_directory_symlink(fs::path(QUOLNARIS_SOURCE_DIR) / "Configs", directory / "Configs");
-    fs::current_path(directory);
+    bench::enterWorkingDirectory("gait-bench");
     static char name[] = "GaitBench";
     static char* arguments[] = {name};
     static OurPlayer made(1, arguments);

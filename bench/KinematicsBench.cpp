@@ -5,33 +5,18 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <new>
 #include <vector>
 
 #include "Agent/BasicAgent.h"
+#include "BenchKit.h"
 #include "Kinematics/ForwardKinematic.h"
 #include "Kinematics/InverseKinematic.h"
 #include "Kinematics/NAOKinematics.h"
 #include "Utilities/Config.h"
 
 namespace {
-long allocations = 0;
-}  // namespace
 
-// Not inlined: the compiler would take malloc and delete for a mismatched pair.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-
-namespace {
+using bench::allocations;
 
 // Runs call once to warm up and then as often as the benchmark asks.
 template <typename Call>
@@ -55,14 +40,14 @@ BasicAgent& agent() {
     made.WM = new WorldModel;
     BodyController& body = made.bControl;
     for (int side = 0; side < 2; ++side) {
-      for (int i = 0; i < BodyController::kHandJoints; ++i) {
+      for (int i = 0; i < kHandJoints; ++i) {
         body.handController[side][i].joint = made.WM->getHandJoint(i + 1, side);
       }
-      for (int i = 0; i < BodyController::kLegJoints; ++i) {
+      for (int i = 0; i < kLegJoints; ++i) {
         body.legController[side][i].joint = made.WM->getLegJoint(i + 1, side);
       }
     }
-    for (int i = 0; i < BodyController::kHeadJoints; ++i) {
+    for (int i = 0; i < kHeadJoints; ++i) {
       body.headController[i].joint = made.WM->getHeadJoint(i + 1);
     }
     return made;

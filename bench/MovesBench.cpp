@@ -11,12 +11,12 @@
 #include "BasicAction/Walk.h"
 #include "Decision/Actions.h"
 #include "Utilities/Logger.h"
-#include "support/TestBody.h"
+#include "support/FakeBody.h"
 
 namespace {
 
 // A body whose log is silent, as it would grow without end.
-class BenchBody : public TestBody {
+class BenchBody : public support::FakeBody {
  public:
   BenchBody() { Logger::logStreams->add("Agent", new LogNull); }
 };
@@ -58,7 +58,7 @@ BENCHMARK(StrongKickStrike);
 
 void Stance(benchmark::State& state) {
   BenchBody body;
-  body.agent.reset->execute(1, 10, 5);
+  body.agent.reset->execute(Reset::kNeutralStance);
   for (auto _ : state) benchmark::DoNotOptimize(body.agent.reset->init());
 }
 BENCHMARK(Stance);

@@ -8,40 +8,20 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <new>
 #include <string>
 #include <vector>
 
-#include "RecordingReader.h"
+#include "BenchKit.h"
+#include "FrameRecording.h"
 #include "Utilities/Config.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
 
-std::atomic<long> allocations{0};
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* const block = std::malloc(size)) return block;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* block) noexcept {
-  std::free(block);
-}
-[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
-  std::free(block);
-}
-
-namespace {
-
+using bench::allocations;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kFirstFrame = 1884;  // counted from 1
@@ -103,13 +83,8 @@ void updateFrames(benchmark::State& state, bool withVision) {
     state.SetIterationTime(time);
     if (times.size() < times.capacity()) times.push_back(time);
   }
-  const auto percentile = [&](double share) {
-    const auto rank = static_cast<std::size_t>(share * static_cast<double>(times.size() - 1));
-    std::nth_element(times.begin(), times.begin() + static_cast<long>(rank), times.end());
-    return times[rank] * 1e6;
-  };
-  state.counters["median_us"] = percentile(0.5);
-  state.counters["p99_us"] = percentile(0.99);
+  state.counters["median_us"] = bench::percentile(times, 0.5);
+  state.counters["p99_us"] = bench::percentile(times, 0.99);
   state.counters["allocations"] =
       static_cast<double>(allocated) / static_cast<double>(state.iterations());
 }
@@ -163,10 +138,5 @@ BENCHMARK(BM_ResidentMemory)->Iterations(1)->Unit(benchmark::kMillisecond);
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  configure();
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
+  return bench::run(argc, argv, configure);
 }

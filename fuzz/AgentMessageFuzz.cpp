@@ -23,7 +23,7 @@ void demand(bool good) {
 void checkPercepts(const arena::Match& match) {
   arena::SExpression reader;
   for (const auto agent : match.agents())
-    demand(reader.read(match.percept(agent)) == arena::SExpression::Status::kComplete);
+    demand(reader.read(match.percept(agent)) == arena::SExpression::Status::Complete);
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     demand(match.scene().ball.matrix().allFinite());
     stream.noteFouls(match.referee().fouls());
     const std::string message = stream.next(match.scene(), game, {0, 0});
-    demand(reader.read(message) == arena::SExpression::Status::kComplete && reader.size() == 3);
+    demand(reader.read(message) == arena::SExpression::Status::Complete && reader.size() == 3);
   }
   return 0;
 }

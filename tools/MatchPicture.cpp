@@ -102,7 +102,7 @@ class FirstSides {
 
 }  // namespace
 
-std::string drawMatch(const std::string& path, const MatchPictureOptions& options) {
+DrawnMatch drawMatch(const std::string& path, const MatchPictureOptions& options) {
   RecordingReader reader(path);
   Track ball;
   std::map<std::pair<Side, int>, Track> players;
@@ -166,7 +166,7 @@ std::string drawMatch(const std::string& path, const MatchPictureOptions& option
     picture.addMark(goals[i].place, kTeamColours[index(goals[i].event.side)],
                     scoreText(goals[i].score),
                     i % 2 == 0 ? PitchPicture::Label::kAbove : PitchPicture::Label::kBelow);
-  return picture.svg();
+  return {picture.svg(), reader.complete()};
 }
 
 }  // namespace arena

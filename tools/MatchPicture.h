@@ -14,8 +14,13 @@ struct MatchPictureOptions {
 
 // Draws a recorded match as an SVG document: the ball's path, the players' paths in the colours of
 // their teams, the goals, the score. Places where something was put elsewhere interrupt its path.
-// Throws RecordingError if the file cannot be read as a recording.
-std::string drawMatch(const std::string& path, const MatchPictureOptions& options);
+// Throws RecordingError if the file cannot be read as a recording. One that ends too early, because
+// the arena was killed say, is drawn as far as it goes.
+struct DrawnMatch {
+  std::string svg;
+  bool complete = true;  // whether the recording has an end
+};
+DrawnMatch drawMatch(const std::string& path, const MatchPictureOptions& options);
 
 }  // namespace arena
 

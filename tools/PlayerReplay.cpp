@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "Wire/Frame.h"
 #include "Wire/SExpression.h"
 
 namespace {
@@ -29,21 +30,16 @@ constexpr std::uint32_t kLongestAnswer = 1 << 20;
 // The answers have been sent when they are asked for; so long at most they are under way.
 constexpr std::chrono::milliseconds kSilence{200};
 
-std::string framed(const std::string& text) {
-  std::string frame;
-  for (int shift = 24; shift >= 0; shift -= 8) {
-    frame += static_cast<char>(text.size() >> shift & 0xff);
-  }
-  return frame + text;
-}
-
 // The server's end of the link: sends the frames as fast as they are taken, and keeps what comes.
 class Server {
  public:
   explicit Server(const std::vector<std::string>& frames)
       : acceptor_(io_, Tcp::endpoint(asio::ip::address_v4::loopback(), 0)), socket_(io_) {
-    for (const std::string& frame : frames) stream_ += framed(frame);
-    for (int i = 0; i < kSpareFrames && !frames.empty(); ++i) stream_ += framed(frames.back());
+    for (const std::string& frame : frames) {
+      // An empty one was not sent.
+      if (!frame.empty()) append(frame);
+    }
+    for (int i = 0; i < kSpareFrames && !frames.empty(); ++i) append(frames.back());
   }
   ~Server() {
     boost::system::error_code ignored;
@@ -74,6 +70,10 @@ class Server {
   }
 
  private:
+  void append(const std::string& frame) {
+    const auto prefix = arena::framePrefix(frame.size());
+    stream_.append(prefix.data(), prefix.size()).append(frame);
+  }
   void send() {
     boost::system::error_code ended;
     asio::write(socket_, asio::buffer(stream_), ended);

@@ -18,8 +18,8 @@
 #include <vector>
 
 #include "BeliefReport.h"
+#include "FrameRecording.h"
 #include "PitchPicture.h"
-#include "RecordingReader.h"
 #include "Utilities/Config.h"
 #include "Utilities/Converter.h"
 #include "WorldModel/WorldModel.h"

@@ -23,7 +23,10 @@ int main(int argc, char** argv) {
   CLI11_PARSE(app, argc, argv);
 
   try {
-    const std::string svg = arena::drawMatch(recording, options);
+    const auto [svg, complete] = arena::drawMatch(recording, options);
+    if (!complete) {
+      std::cerr << "match-picture: the recording has no end, it is drawn as far as it goes\n";
+    }
     if (output.empty()) {
       std::cout << svg;
       return 0;

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <array>
-#include <boost/asio.hpp>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -27,14 +26,13 @@
 #include "BasicAction/Turn.h"
 #include "BasicAction/Walk.h"
 #include "Decision/Actions.h"
+#include "FramedLink.h"
 #include "Kinematics/ForwardKinematic.h"
+#include "MotionCourse.h"
 #include "MotionPicture.h"
 #include "MotionRecord.h"
 
 namespace {
-
-namespace asio = boost::asio;
-using asio::ip::tcp;
 
 constexpr double kDegree = 3.141592653589793 / 180;
 constexpr int kBeams = 10;
@@ -43,6 +41,10 @@ constexpr int kSettle = 50;       // cycles to stand still with straight joints 
 constexpr int kFigureEvery = 10;  // cycles between two stick figures, at least
 constexpr std::size_t kMaxFigures = 60;
 constexpr const char* kTeam = "Motion";
+// The motion that is none of a single kind, and from which bearing on its walk turns, degrees: as
+// the walk to the ball in play on.
+constexpr const char* kCourse = "course";
+constexpr double kCourseError = 3;
 
 // Where the run starts and where the ball waits out of the way, metres.
 constexpr double kStartX = -8;
@@ -77,30 +79,23 @@ struct Options {
 // where the server puts the robot.
 class Trainer {
  public:
-  Trainer(const std::string& host, std::uint16_t port) : socket_(io_) {
-    tcp::resolver resolver(io_);
-    asio::connect(socket_, resolver.resolve(host, std::to_string(port)));
-    socket_.set_option(tcp::no_delay(true));
-  }
+  Trainer(const std::string& host, std::uint16_t port) : link_(host, port) {}
 
-  void say(const std::string& command) {
-    const auto size = static_cast<std::uint32_t>(command.size());
-    const std::array<unsigned char, 4> prefix = {
-        static_cast<unsigned char>(size >> 24U), static_cast<unsigned char>(size >> 16U),
-        static_cast<unsigned char>(size >> 8U), static_cast<unsigned char>(size)};
-    const std::array<asio::const_buffer, 2> both = {asio::buffer(prefix), asio::buffer(command)};
-    asio::write(socket_, both);
+  // Is sent ahead of the player's next answer: what a trainer says between two cycles is heard in
+  // the one or the other, as it happens.
+  void say(const std::string& command) { waiting_.push_back(command); }
+
+  void send() {
+    for (const std::string& command : waiting_) link_.send(command);
+    waiting_.clear();
   }
 
   // Throws away what the server tells its viewers, so that it does not pile up.
-  void drain() {
-    std::array<char, 65536> buffer;
-    while (socket_.available() > 0) socket_.read_some(asio::buffer(buffer));
-  }
+  void drain() { link_.drain(); }
 
  private:
-  asio::io_context io_;
-  tcp::socket socket_;
+  FramedLink link_;
+  std::vector<std::string> waiting_;
 };
 
 // What the robot is, wherever the knowledge comes from.
@@ -138,6 +133,7 @@ class MotionPlayer : public OurPlayer {
     disturb();
     bControl.makeCommand(command);
     command->setFinal();
+    if (trainer_ != nullptr) trainer_->send();
     connection->sendMessage(command->getFinal());
     command->clear();
     if (trainer_ != nullptr) trainer_->drain();
@@ -166,6 +162,18 @@ class MotionPlayer : public OurPlayer {
   }
 
   double tilt() const { return orientation_.tilt(); }
+
+  // One cycle as in play on: stands up when it lies, otherwise looks around and does `act`.
+  void playCycle(const std::function<void()>& act) {
+    turnCycle([&] {
+      if (!WM->isFall() && de.checkstandup) {
+        seeBall->SeeAll();
+        act();
+      } else {
+        de.checkstandup = de.standup();
+      }
+    });
+  }
 
   // To be said when the robot is known to stand and to look at the opponent's goal.
   void standsUpright() { orientation_.setUpright(0); }
@@ -416,6 +424,23 @@ class Run {
   Run(const Options& options, MotionPlayer& player, Trainer* trainer)
       : options_(options), player_(player), trainer_(trainer) {}
 
+  // Walks along a course with the long stride, as play on walks to the ball.
+  std::vector<MotionSample> walkCourse(CourseSummary& summary) {
+    player_.shakeHands();
+    comeToTheStart();
+    start_ = player_.place();
+    MotionCourse course(options_.seed, start_.torso);
+    std::vector<MotionSample> samples = {player_.sample(0, true)};
+    const int cycles = static_cast<int>(std::lround(options_.seconds * 50));
+    for (int cycle = 1; cycle <= cycles && !course.done(); ++cycle) {
+      player_.playCycle([&] { stepAlong(course); });
+      samples.push_back(player_.sample(cycle, false));
+      course.observe(samples.back().torso, samples.back().tilt);
+    }
+    summary = course.summary();
+    return samples;
+  }
+
   std::vector<MotionSample> operator()() {
     const MotionKind motion = findMotion(options_, start_);
     player_.shakeHands();
@@ -426,6 +451,17 @@ class Run {
   }
 
  private:
+  void stepAlong(const MotionCourse& course) {
+    if (course.stops()) {
+      player_.actions->ChangeAction(player_.reset->execute(1, 10, 5));
+      return;
+    }
+    const Vector target(static_cast<float>(course.target().x),
+                        static_cast<float>(course.target().y), 0);
+    const auto speed = static_cast<float>(options_.speed);
+    player_.actions->ChangeAction(player_.walk->omniWalk(target, speed, kCourseError, 1));
+  }
+
   // Upright at the start of the run, facing the opponent's goal, with the game on: before the
   // kick-off the player takes itself to face the goal whatever it does.
   void comeToTheStart() {
@@ -553,6 +589,10 @@ void list(const Options& options) {
   for (const MotionKind& kind : allMotions(options, Place())) {
     std::printf("%-16s %s\n", kind.name, kind.help);
   }
+  std::printf(
+      "%-16s %s\n", kCourse,
+      "the long stride at --speed (play on: 0.3) along a row of points drawn by --seed, with "
+      "stops and starts; needs the ground truth");
 }
 
 // The command line of the player's own start.
@@ -575,8 +615,21 @@ std::unique_ptr<MotionPlayer> makePlayer(const Options& options, Trainer* traine
                                         options.noise, options.seed);
 }
 
+void tellCourse(const Options& options, const CourseSummary& s) {
+  if (options.csv) {
+    std::cout << courseHeader() << courseLine(options.type, options.seed, s);
+    return;
+  }
+  std::printf("course %u, robot type %d: %d points in %.1f s\n", options.seed, options.type,
+              s.points, s.seconds);
+  std::printf("  way      %.2f m of the course, %.2f m walked\n", s.metres, s.way);
+  std::printf("  falls    %d walking, %d at stops, %d at starts\n", s.fallsWalking, s.fallsStopping,
+              s.fallsStarting);
+}
+
 void run(const Options& options) {
-  findMotion(options, Place());  // before anything is connected
+  const bool isCourse = options.motion == kCourse;
+  if (!isCourse) findMotion(options, Place());  // before anything is connected
   std::unique_ptr<Trainer> trainer;
   if (options.trainerPort != 0) {
     trainer = std::make_unique<Trainer>(options.host, options.trainerPort);
@@ -584,13 +637,18 @@ void run(const Options& options) {
   const auto player = makePlayer(options, trainer.get());
   // Kicks, stand-ups and dives print their own lines; they must not mix with the report.
   std::cout.setstate(std::ios_base::failbit);
-  const std::vector<MotionSample> samples = Run(options, *player, trainer.get())();
+  CourseSummary course;
+  Run drive(options, *player, trainer.get());
+  const std::vector<MotionSample> samples = isCourse ? drive.walkCourse(course) : drive();
   std::cout.clear();
 
   const bool truth = player->knowsTruth();
   const MotionSummary summary =
       summarize(samples, static_cast<int>(std::lround(options.lead * 50)));
-  if (options.csv) {
+  if (isCourse) {
+    if (!truth) throw std::runtime_error("a course needs a server that tells the ground truth");
+    tellCourse(options, course);
+  } else if (options.csv) {
     std::cout << summaryHeader()
               << summaryLine(options.motion, options.type, options.seed, truth, summary);
   } else {

@@ -17,7 +17,7 @@
 
 #include "MindRecord.h"
 #include "PlayerReplay.h"
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 
 namespace {
 

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <boost/asio.hpp>
 #include <chrono>
 #include <cstdint>
@@ -15,7 +14,8 @@
 #include <thread>
 #include <vector>
 
-#include "RecordingReader.h"
+#include "FrameRecording.h"
+#include "FramedLink.h"
 
 namespace {
 
@@ -26,8 +26,6 @@ using Clock = std::chrono::steady_clock;
 // A player sends twelve messages (scene, init, ten beams) and takes twelve frames before its cycle
 // starts: the twelfth frame gets no message of its own, and from the thirteenth on each gets one.
 constexpr std::size_t kHandshakeFrames = 12;
-// No player's message is longer; a longer length prefix is garbage.
-constexpr std::uint32_t kMaxMessage = 1U << 20U;
 
 struct Options {
   std::string recording;
@@ -41,70 +39,6 @@ struct Options {
   bool quiet = false;
 };
 
-// One player on the other end of the wire. Every wait is bounded by the patience given.
-class Player {
- public:
-  Player(asio::io_context& io, tcp::socket socket, double patience)
-      : io_(io), socket_(std::move(socket)), patience_(patience) {
-    socket_.set_option(tcp::no_delay(true));
-  }
-
-  void send(const std::string& frame) {
-    const std::array<unsigned char, 4> prefix = {static_cast<unsigned char>(frame.size() >> 24U),
-                                                 static_cast<unsigned char>(frame.size() >> 16U),
-                                                 static_cast<unsigned char>(frame.size() >> 8U),
-                                                 static_cast<unsigned char>(frame.size())};
-    const std::array<asio::const_buffer, 2> both = {asio::buffer(prefix), asio::buffer(frame)};
-    finish("taking a frame", [&](auto done) { asio::async_write(socket_, both, done); });
-  }
-
-  // One message of the player.
-  const std::string& receive() {
-    std::array<unsigned char, 4> prefix{};
-    finish("sending a message",
-           [&](auto done) { asio::async_read(socket_, asio::buffer(prefix), done); });
-    const std::uint32_t length = std::uint32_t{prefix[0]} << 24U | std::uint32_t{prefix[1]} << 16U |
-                                 std::uint32_t{prefix[2]} << 8U | std::uint32_t{prefix[3]};
-    if (length > kMaxMessage) {
-      throw std::runtime_error("the player announced a message of " + std::to_string(length) +
-                               " bytes");
-    }
-    message_.resize(length);
-    finish("sending a message",
-           [&](auto done) { asio::async_read(socket_, asio::buffer(message_), done); });
-    return message_;
-  }
-
- private:
-  template <typename Start>
-  void finish(const char* what, Start start) {
-    bool over = false;
-    boost::system::error_code error;
-    start([&](const boost::system::error_code& e, std::size_t) {
-      error = e;
-      over = true;
-    });
-    io_.restart();
-    io_.run_for(std::chrono::duration_cast<std::chrono::milliseconds>(
-        std::chrono::duration<double>(patience_)));
-    if (!over) {
-      socket_.close();
-      io_.restart();
-      io_.run();  // let the cancelled operation go before its buffers do
-      throw std::runtime_error("the player was silent for too long while " + std::string(what));
-    }
-    if (error) {
-      throw std::runtime_error("the player went away while " + std::string(what) + " (" +
-                               error.message() + ")");
-    }
-  }
-
-  asio::io_context& io_;
-  tcp::socket socket_;
-  double patience_;
-  std::string message_;
-};
-
 struct Result {
   std::size_t sent = 0;
   std::size_t received = 0;
@@ -112,16 +46,8 @@ struct Result {
   double seconds = 0;             // from the first frame to the last answer
 };
 
-void append(std::ofstream& out, const std::string& message) {
-  const auto n = static_cast<std::uint32_t>(message.size());
-  const char prefix[4] = {static_cast<char>(n >> 24U), static_cast<char>(n >> 16U),
-                          static_cast<char>(n >> 8U), static_cast<char>(n)};
-  out.write(prefix, sizeof prefix);
-  out.write(message.data(), static_cast<std::streamsize>(message.size()));
-}
-
 // Frame k goes out as soon as k - 1 messages have come in, the first one after the scene message.
-void play(Player& player, const std::vector<std::string>& frames, const Options& options,
+void play(FramedLink& player, const std::vector<std::string>& frames, const Options& options,
           std::ofstream* answers, Result& result) {
   const std::size_t total = frames.size() * options.passes;
   const auto period = std::chrono::duration_cast<Clock::duration>(
@@ -129,9 +55,9 @@ void play(Player& player, const std::vector<std::string>& frames, const Options&
   result.latencies.reserve(total);
 
   const auto take = [&] {
-    const std::string& message = player.receive();
+    const std::string message = player.receive();
     ++result.received;
-    if (answers != nullptr) append(*answers, message);
+    if (answers != nullptr) *answers << framed(message);
   };
 
   take();  // the scene message
@@ -210,7 +136,7 @@ int run(const Options& options) {
   }
   if (error) throw std::runtime_error("cannot accept a player: " + error.message());
 
-  Player player(io, std::move(socket), options.patience);
+  FramedLink player(socket.release(), "the player", options.patience);
   Result result;
   try {
     play(player, frames, options, answers.is_open() ? &answers : nullptr, result);

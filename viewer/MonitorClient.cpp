@@ -9,7 +9,10 @@ namespace {
 
 constexpr std::chrono::milliseconds kPause{500};  // between two attempts
 // A full message of 22 robots has some 100 kB.
-constexpr arena::FramedConnection::Limits kLimits{std::size_t{4} << 20, 64, std::size_t{64} << 10};
+constexpr arena::FramedConnection::Limits kLimits{.frameLength = std::size_t{4} << 20,
+                                                  .queue = 64,
+                                                  .queueBytes = std::size_t{8} << 20,
+                                                  .unsent = std::size_t{64} << 10};
 
 }  // namespace
 

@@ -92,7 +92,7 @@ double hingeAngle(const Eigen::Matrix3d& parent, const Eigen::Matrix3d& child,
 void StreamReader::read(std::string_view message) {
   const bool wasSynchronous = synchronous_;
   synchronous_ = false;
-  if (expression_.read(message) != arena::SExpression::Status::kComplete) {
+  if (expression_.read(message) != arena::SExpression::Status::Complete) {
     throw StreamError("a monitor message cannot be read");
   }
   Term lists[3];

@@ -61,8 +61,7 @@ class WebServer::Core : public std::enable_shared_from_this<Core> {
   class Visit;
 
   Core(asio::io_context& io, const Options& options, Callbacks callbacks)
-      : io_(io),
-        names_(options.hostNames),
+      : names_(options.hostNames),
         callbacks_(std::move(callbacks)),
         acceptor_(io, Tcp::endpoint(asio::ip::make_address(options.bind), options.port)),
         pause_(io) {}
@@ -83,7 +82,6 @@ class WebServer::Core : public std::enable_shared_from_this<Core> {
   void remove(const std::shared_ptr<Page>& page) { pages_.erase(page); }
 
  private:
-  asio::io_context& io_;
   std::vector<std::string> names_;
   Callbacks callbacks_;
   Tcp::acceptor acceptor_;

@@ -9,10 +9,11 @@
 
 namespace arena {
 
-// How far the torso of the sleeping robot is put forward against its limbs before the first row, m;
-// 0 for most recordings. Some motions balance on an edge and blow the unrecorded digits of the
-// stance up within seconds; for them this is the one number that lets the replay follow best.
-double nudgeOf(const std::string& recording);
+// How far the torso of a sleeping robot of this type is put forward against its limbs before the
+// first row, m; 0 for most types. It makes up for digits of the recorded stance that are not
+// recorded: motions that balance on an edge blow them up within seconds.
+// Throws std::out_of_range unless 0 <= type < kRobotTypeCount.
+double nudgeOf(int type);
 
 // Plays a match of one agent that gives the answers of a recording, from the same start, and
 // returns what it senses: as many rows as the recording has, with the recording's times and

@@ -116,7 +116,7 @@ void readTerm(Node term, const RobotModel& model, AgentMessage& message) {
 
 const AgentMessage& AgentMessages::read(std::string_view frame, const RobotModel* model) {
   message_ = AgentMessage{};
-  if (expression_.read(frame) != SExpression::Status::kComplete) {
+  if (expression_.read(frame) != SExpression::Status::Complete) {
     message_.complaints.push_back("message that is not a list of expressions");
   }
   for (const Node term : expression_) {

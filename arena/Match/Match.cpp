@@ -48,7 +48,12 @@ Match::AgentId Match::connect() {
 }
 
 void Match::disconnect(AgentId id) {
-  if (Agent* agent = find(id)) agent->connected = false;
+  Agent* agent = find(id);
+  if (agent == nullptr) return;
+  agent->connected = false;
+  // Without a robot there is nothing that must wait for a step, and there may be none for long.
+  if (!agent->built)
+    std::erase_if(agents_, [agent](const auto& other) { return other.get() == agent; });
 }
 
 Match::Agent* Match::find(AgentId id) {

@@ -40,7 +40,7 @@ bool Roster::Team::mayAdd(int type) const {
 }
 
 Eigen::Vector2d Roster::Team::takeStart() {
-  const Eigen::Vector2d result = nextStart;
+  Eigen::Vector2d result = nextStart;
   nextStart.y() -= kStartStepY;
   if (nextStart.y() < kStartMinY) {
     nextStart += Eigen::Vector2d(kStartStepX, kStartY - nextStart.y());

@@ -4,6 +4,8 @@
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/post.hpp>
 #include <csignal>
+#include <stdexcept>
+#include <utility>
 
 namespace arena {
 namespace {
@@ -11,43 +13,63 @@ namespace {
 constexpr std::chrono::milliseconds kTick{20};
 // How often time-outs are looked at while nothing arrives.
 constexpr std::chrono::milliseconds kPatience{20};
-// Far more than two teams with their substitutes; keeps memory bounded.
-constexpr std::size_t kMaxAgents = 64;
-constexpr std::size_t kMaxMonitors = 32;
+// Of events on the network, how many are dealt with before the match goes on, at most.
+constexpr int kMaxEvents = 256;
+// How long nobody is let in after that has failed, by a lack of descriptors say.
+constexpr std::chrono::milliseconds kAcceptPause{100};
 
 // As in the league's server: while a part of an agent's frame is not sent, those after it are
 // dropped.
-constexpr FramedConnection::Limits kAgentLimits{
-    .frame_length = std::size_t{64} << 10, .queue = 64, .unsent = 0};
-constexpr FramedConnection::Limits kMonitorLimits{
-    .frame_length = std::size_t{64} << 10, .queue = 256, .unsent = std::size_t{1} << 20};
+constexpr FramedConnection::Limits kAgentLimits{.frameLength = std::size_t{64} << 10,
+                                                .queue = 64,
+                                                .queueBytes = std::size_t{64} << 10,
+                                                .unsent = 0};
+constexpr FramedConnection::Limits kMonitorLimits{.frameLength = std::size_t{64} << 10,
+                                                  .queue = 256,
+                                                  .queueBytes = std::size_t{64} << 10,
+                                                  .unsent = std::size_t{1} << 20};
 // A monitor that has not taken so much is passed over. A full message of 22 robots has some 100 kB,
 // so that there is always room for the one that follows.
 constexpr std::size_t kMonitorBacklog = std::size_t{512} << 10;
 
+// A share lasts until its frames or its bytes are used up; the frame with which that happens may go
+// beyond. Of an agent without a robot only its scene matters.
+constexpr std::size_t kSceneFrames = 8;
+constexpr std::size_t kSceneBytes = std::size_t{4} << 10;
+// What the trainer can take in a cycle is enough for the shares of all monitors.
+constexpr std::size_t kTrainerFrames = Trainer::kMaxFrames / ArenaServer::kMaxMonitors;
+constexpr std::size_t kTrainerBytes =
+    Trainer::kMaxBytes / ArenaServer::kMaxMonitors - kMonitorLimits.frameLength;
+
 std::string quoted(std::string_view reason) {
   return reason.empty() ? std::string() : " (" + std::string(reason) + ")";
+}
+
+// Whether a hang-up was to be ignored when the program was started, as nohup has it.
+bool hangUpIgnored() {
+  struct sigaction action {};
+  return sigaction(SIGHUP, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 }  // namespace
 
 ArenaServer::ArenaServer(Match& match, const ServerOptions& options,
                          std::function<void(const std::string&)> log)
-    : match_(match),
-      options_(options),
-      log_(std::move(log)),
-      agentAcceptor_(open(options.agentPort)),
-      monitorAcceptor_(open(options.monitorPort)),
-      signals_(io_) {
+    : match_(match), options_(options), log_(std::move(log)), signals_(io_) {
+  open(agentDoor_, options_.agentPort);
+  open(monitorDoor_, options_.monitorPort);
   if (options_.handleSignals) {
     signals_.add(SIGINT);
     signals_.add(SIGTERM);
+    if (!hangUpIgnored()) signals_.add(SIGHUP);
     signals_.async_wait([this](const boost::system::error_code& error, int) {
       if (!error) stopping_ = true;
     });
   }
-  acceptAgent();
-  acceptMonitor();
+  agentDoor_.enter = [this](Tcp::socket socket) { addAgent(std::move(socket)); };
+  monitorDoor_.enter = [this](Tcp::socket socket) { addMonitor(std::move(socket)); };
+  accept(agentDoor_);
+  accept(monitorDoor_);
 }
 
 ArenaServer::~ArenaServer() {
@@ -59,68 +81,138 @@ void ArenaServer::closeAll() {
   for (MonitorSession& session : monitors_) session.connection->close();
 }
 
-ArenaServer::Tcp::acceptor ArenaServer::open(unsigned short port) {
-  return {io_, Tcp::endpoint(boost::asio::ip::make_address(options_.bind), port)};
+void ArenaServer::open(Door& door, unsigned short port) {
+  boost::system::error_code error;
+  const auto address = boost::asio::ip::make_address(options_.bind, error);
+  if (error) {
+    throw std::runtime_error("cannot listen at '" + options_.bind + "': that is no IP address");
+  }
+  const Tcp::endpoint place(address, port);
+  door.acceptor.open(place.protocol(), error);
+  if (!error) door.acceptor.set_option(Tcp::acceptor::reuse_address(true), error);
+  if (!error) door.acceptor.bind(place, error);
+  if (!error) door.acceptor.listen(Tcp::acceptor::max_listen_connections, error);
+  if (error) {
+    throw std::runtime_error("cannot listen for " + std::string(door.who) + "s at " +
+                             options_.bind + " port " + std::to_string(port) + ": " +
+                             error.message());
+  }
 }
 
 unsigned short ArenaServer::agentPort() const {
-  return agentAcceptor_.local_endpoint().port();
+  return agentDoor_.acceptor.local_endpoint().port();
 }
 
 unsigned short ArenaServer::monitorPort() const {
-  return monitorAcceptor_.local_endpoint().port();
+  return monitorDoor_.acceptor.local_endpoint().port();
 }
 
 void ArenaServer::stop() {
   boost::asio::post(io_, [this] { stopping_ = true; });
 }
 
-void ArenaServer::acceptAgent() {
-  agentAcceptor_.async_accept([this](const boost::system::error_code& error, Tcp::socket socket) {
-    if (error == boost::asio::error::operation_aborted) return;
-    if (!error && agents_.size() >= kMaxAgents) {
-      log_("agent turned away: too many connections");
-    } else if (!error) {
-      AgentSession& session = agents_.emplace_back();
-      session.id = match_.connect();
-      session.connection = std::make_shared<FramedConnection>(std::move(socket), kAgentLimits);
-      session.waitingSince = Clock::now();
-      session.connection->start([this, &session] { onAgentEvent(session); });
-    }
-    acceptAgent();
-  });
+void ArenaServer::accept(Door& door) {
+  door.acceptor.async_accept(
+      [this, &door](const boost::system::error_code& error, Tcp::socket socket) {
+        if (error == boost::asio::error::operation_aborted) return;
+        if (!error) {
+          door.enter(std::move(socket));
+          accept(door);
+          return;
+        }
+        // The one who waits at the door would make the next try fail as well.
+        log_(std::string(door.who) + " cannot be let in: " + error.message());
+        door.pause.expires_after(kAcceptPause);
+        door.pause.async_wait([this, &door](const boost::system::error_code& cancelled) {
+          if (!cancelled) accept(door);
+        });
+      });
 }
 
-void ArenaServer::acceptMonitor() {
-  monitorAcceptor_.async_accept([this](const boost::system::error_code& error, Tcp::socket socket) {
-    if (error == boost::asio::error::operation_aborted) return;
-    if (!error && monitors_.size() >= kMaxMonitors) {
-      log_("monitor turned away: too many connections");
-    } else if (!error) {
-      MonitorSession& session = monitors_.emplace_back();
-      session.stream = MonitorStream(match_.halfTime());
-      session.connection = std::make_shared<FramedConnection>(std::move(socket), kMonitorLimits);
-      session.connection->start([this, &session] { onMonitorEvent(session); });
-      session.connection->send(session.stream.next(match_.scene(), match_.game(), passWait()));
-    }
-    acceptMonitor();
-  });
+void ArenaServer::addAgent(Tcp::socket socket) {
+  if (agents_.size() >= kMaxAgents) removeEnded();
+  if (agents_.size() >= kMaxAgents) {
+    log_("agent turned away: too many connections");
+    return;
+  }
+  AgentSession& session = agents_.emplace_back();
+  session.id = match_.connect();
+  session.connection = std::make_shared<FramedConnection>(std::move(socket), kAgentLimits);
+  session.waitingSince = Clock::now();
+  session.connection->start([this, &session] { onAgentEvent(session); });
+}
+
+void ArenaServer::addMonitor(Tcp::socket socket) {
+  if (monitors_.size() >= kMaxMonitors) removeEnded();
+  if (monitors_.size() >= kMaxMonitors) {
+    log_("monitor turned away: too many connections");
+    return;
+  }
+  MonitorSession& session = monitors_.emplace_back();
+  session.stream = MonitorStream(match_.halfTime());
+  session.connection = std::make_shared<FramedConnection>(std::move(socket), kMonitorLimits);
+  session.connection->start([this, &session] { readCommands(session); });
+  session.connection->send(session.stream.next(match_.scene(), match_.game(), passWait()));
+}
+
+bool ArenaServer::within(const Share& used, const Share& limit) {
+  return used.frames < limit.frames && used.bytes < limit.bytes;
+}
+
+std::string ArenaServer::take(FramedConnection& connection, Share& used) {
+  std::string frame = connection.take();
+  ++used.frames;
+  used.bytes += frame.size();
+  return frame;
 }
 
 void ArenaServer::onAgentEvent(AgentSession& session) {
-  FramedConnection& connection = *session.connection;
-  while (!match_.hasScene(session.id) && connection.waiting() > 0) {
-    apply(session);
-    session.applied = 1;
-  }
+  readForScene(session);
+  if (!options_.realTime) catchUp(session);
   session.waitingSince = Clock::now();
   session.silent = false;
 }
 
-void ArenaServer::onMonitorEvent(MonitorSession& session) {
+void ArenaServer::apply(const AgentSession& session, const std::string& message) {
+  if (wiretap_.applied) wiretap_.applied(session.id, message);
+  match_.receive(session.id, message);
+}
+
+void ArenaServer::catchUp(AgentSession& session) {
   FramedConnection& connection = *session.connection;
-  while (connection.waiting() > 0) {
-    match_.trainer().receive(connection.take());
+  while (connection.waiting() > 0 && session.applied + session.forgiven + 1 < session.given) {
+    apply(session, connection.take());
+    ++session.applied;
+  }
+}
+
+void ArenaServer::readForScene(AgentSession& session) {
+  FramedConnection& connection = *session.connection;
+  while (!match_.hasScene(session.id) && connection.waiting() > 0 &&
+         within(session.used, {kSceneFrames, kSceneBytes})) {
+    apply(session, take(connection, session.used));
+    session.applied = 1;
+  }
+}
+
+void ArenaServer::readCommands(MonitorSession& session) {
+  FramedConnection& connection = *session.connection;
+  while (connection.waiting() > 0 && within(session.used, {kTrainerFrames, kTrainerBytes})) {
+    if (match_.trainer().receive(take(connection, session.used)) || session.toldDropping) continue;
+    session.toldDropping = true;
+    log_("monitor sends more commands than can wait, some are dropped");
+  }
+}
+
+// With each cycle; while the clock stands there is none, and what comes is read at once.
+void ArenaServer::renewShares() {
+  for (AgentSession& session : agents_) {
+    session.used = {};
+    readForScene(session);
+  }
+  for (MonitorSession& session : monitors_) {
+    session.used = {};
+    readCommands(session);
   }
 }
 
@@ -141,10 +233,14 @@ bool ArenaServer::frameDue(const AgentSession& session) const {
   return !match_.percept(session.id).empty();
 }
 
-// Whether the agent has sent what must be applied before it gets its next frame.
-bool ArenaServer::answered(const AgentSession& session) const {
-  const long nextFrame = session.given + 1;
-  return session.applied + static_cast<long>(session.connection->waiting()) >= nextFrame - 1;
+// Messages that have arrived from the agent.
+long ArenaServer::received(const AgentSession& session) {
+  return session.applied + static_cast<long>(session.connection->waiting());
+}
+
+// Whether nothing is waited for any more before the agent gets its next frame.
+bool ArenaServer::answered(const AgentSession& session) {
+  return received(session) + session.forgiven >= session.given;
 }
 
 bool ArenaServer::everybodyReady() {
@@ -158,7 +254,8 @@ bool ArenaServer::everybodyReady() {
       ready = false;
       continue;
     }
-    session.silent = true;
+    session.silent = session.timedOut = true;
+    session.forgiven = session.given - received(session);
     if (!session.toldSilent) {
       log_("agent " + std::to_string(session.id) + ": silent, not waited for until it speaks");
     }
@@ -167,20 +264,30 @@ bool ArenaServer::everybodyReady() {
   return ready;
 }
 
+// Deals with what has happened on the network.
+void ArenaServer::pollEvents() {
+  for (int i = 0; i < kMaxEvents && io_.poll_one() > 0; ++i) {
+  }
+}
+
 // Waits a while for something to happen.
 void ArenaServer::listen() {
   io_.run_one_for(kPatience);
-  // While the clock stands no cycle comes that would carry the end out.
-  if (!clockRuns() && match_.trainer().stopReceived()) stopping_ = true;
+  if (idler_) idler_();
+  if (clockRuns()) return;
+  // No cycle comes that would do this.
+  renewShares();
+  removeEnded();
+  if (match_.trainer().stopReceived()) stopping_ = true;
 }
 
 void ArenaServer::waitForAgents() {
-  io_.poll();
+  pollEvents();
   while (!stopping_ && !(clockRuns() && everybodyReady())) listen();
 }
 
 void ArenaServer::waitForTick() {
-  io_.poll();
+  pollEvents();
   while (!stopping_ && !clockRuns()) listen();
   while (!stopping_ && io_.run_one_until(lastTick_ + kTick) > 0) {
   }
@@ -205,6 +312,7 @@ void ArenaServer::cycle() {
   handOver();
   sendPercepts();
   match_.step();
+  renewShares();
   sendMonitors();
   if (observer_) observer_(report_);
 }
@@ -218,17 +326,11 @@ void ArenaServer::removeEnded() {
     return true;
   });
   monitors_.remove_if([](MonitorSession& session) {
-    if (!session.connection->ended()) return false;
+    // What a trainer has said before he left counts.
+    if (!session.connection->ended() || session.connection->waiting() > 0) return false;
     session.connection->close();
     return true;
   });
-}
-
-// Hands the message that has waited longest to the match.
-void ArenaServer::apply(AgentSession& session) {
-  const std::string message = session.connection->take();
-  if (wiretap_.applied) wiretap_.applied(session.id, message);
-  match_.receive(session.id, message);
 }
 
 // In the order of the match, so that it does not matter who was faster.
@@ -240,11 +342,14 @@ void ArenaServer::handOver() {
     if (found == agents_.end()) continue;
     AgentSession& session = *found;
     if (!match_.hasScene(id)) continue;
-    if (frameDue(session) && !answered(session)) report_.late.push_back(id);
+    const bool late = std::exchange(session.timedOut, false) || !answered(session);
+    if (frameDue(session) && late) report_.late.push_back(id);
+    // A late answer that has come after all is owed no more.
+    session.forgiven = std::clamp(session.given - received(session), 0L, session.forgiven);
     // Frame k, which is given in this cycle, comes after messages 1 to k - 1.
     while (session.connection->waiting() > 0 &&
            (options_.realTime || (frameDue(session) && session.applied < session.given))) {
-      apply(session);
+      apply(session, session.connection->take());
       ++session.applied;
     }
   }
@@ -253,12 +358,13 @@ void ArenaServer::handOver() {
 void ArenaServer::sendPercepts() {
   for (AgentSession& session : agents_) {
     if (!frameDue(session)) continue;
-    if (!session.connection->send(match_.percept(session.id)) && !session.toldSlow) {
-      session.toldSlow = true;
+    const bool sent = session.connection->send(match_.percept(session.id));
+    if (wiretap_.given) wiretap_.given(session.id, sent ? match_.percept(session.id) : "");
+    if (sent) {
+      ++session.given;
+    } else if (!std::exchange(session.toldSlow, true)) {
       log_("agent " + std::to_string(session.id) + ": does not read, frames are dropped");
     }
-    if (wiretap_.given) wiretap_.given(session.id, match_.percept(session.id));
-    ++session.given;
     session.waitingSince = Clock::now();
   }
 }

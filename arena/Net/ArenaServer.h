@@ -5,6 +5,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/signal_set.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <chrono>
 #include <functional>
 #include <list>
@@ -27,7 +28,7 @@ struct ServerOptions {
   double agentTimeout = 2.0;          // s of silence, after which lockstep goes on without an agent
   int waitAgents = 0;                 // the first cycle waits for so many agents with a scene
   double duration = 0.0;              // s of game time, after which it ends; 0: never
-  bool handleSignals = false;         // interrupt and terminate end the run in order
+  bool handleSignals = false;         // interrupt, terminate and hang-up end the run in order
 };
 
 // The arena on the network: agents at one port, trainers and monitors at another, and the clock.
@@ -36,23 +37,34 @@ struct ServerOptions {
 // as soon as k - 1 messages have arrived from it, and in the cycle in which it is given frame k
 // exactly its messages 1 to k - 1 have been applied. The next cycle begins when every agent may
 // get its frame. Not waited for: agents without a scene, and those silent for longer than the
-// time-out. Real time: a cycle every 20 ms, with all messages that have arrived by then; an overrun
-// is not caught up. In both, the clock stands as long as there is no agent with a scene.
+// time-out; what those still owe then is forgiven: they are waited for again from their next
+// message on. Frames that an agent loses because it does not read are no frames in this sense. Real
+// time: a cycle every 20 ms, with all messages that have arrived by then; an overrun is not caught
+// up. In both, the clock stands as long as there is no agent with a scene.
+//
+// Nobody can stop it: of what a connection sends, only a share is taken in each cycle, and the rest
+// waits where it is, in the end at the sender.
 class ArenaServer {
  public:
+  // Far more than two teams with their substitutes; keeps memory bounded.
+  static constexpr int kMaxAgents = 64;
+  static constexpr int kMaxMonitors = 32;
+
   // What an observer is told after each cycle.
   struct CycleReport {
     // Agents whose answer was missing when the cycle began.
     std::vector<Match::AgentId> late;
   };
   using Observer = std::function<void(const CycleReport&)>;
-  // Told of every frame given to an agent and of every message of an agent that is applied.
+  // Told of every frame given to an agent (empty for one that was dropped, since it does not read)
+  // and of every message of an agent that is applied.
   struct Wiretap {
     std::function<void(Match::AgentId agent, std::string_view text)> given;
     std::function<void(Match::AgentId agent, std::string_view text)> applied;
   };
 
-  // Opens both ports. Throws boost::system::system_error if that fails. `match` must outlive it.
+  // Opens both ports. Throws std::runtime_error with address and port if that fails. `match` must
+  // outlive it.
   ArenaServer(Match& match, const ServerOptions& options,
               std::function<void(const std::string&)> log);
   ~ArenaServer();
@@ -60,6 +72,8 @@ class ArenaServer {
   unsigned short agentPort() const;
   unsigned short monitorPort() const;
   void setObserver(Observer observer) { observer_ = std::move(observer); }
+  // To be called while the arena waits for something, at least every 20 ms.
+  void setIdler(std::function<void()> idler) { idler_ = std::move(idler); }
 
   void setWiretap(Wiretap wiretap) { wiretap_ = std::move(wiretap); }
 
@@ -72,33 +86,64 @@ class ArenaServer {
   using Clock = std::chrono::steady_clock;
   using Tcp = boost::asio::ip::tcp;
 
+  // Where clients of one kind come in.
+  struct Door {
+    Door(boost::asio::io_context& io, const char* kind) : who(kind), acceptor(io), pause(io) {}
+
+    const char* who;
+    Tcp::acceptor acceptor;
+    boost::asio::steady_timer pause;  // after a failure
+    std::function<void(Tcp::socket)> enter;
+  };
+  // Of a connection's frames, in one cycle.
+  struct Share {
+    std::size_t frames = 0;
+    std::size_t bytes = 0;
+  };
   struct AgentSession {
     Match::AgentId id;
     std::shared_ptr<FramedConnection> connection;
-    long applied = 0;      // messages handed to the match; the one with the scene is the first
-    long given = 0;        // frames given to the agent
-    std::size_t seen = 0;  // messages waiting when it was last looked at
+    Share used;        // by what came before its scene
+    long applied = 0;  // messages handed to the match; the one with the scene is the first
+    long given = 0;    // frames given to the agent
+    long forgiven =
+        0;  // messages that it owes and that are not waited for, at most given - applied
     Clock::time_point waitingSince;  // last sign of life, or last frame given to it
     bool silent = false;             // timed out: not waited for until it speaks again
+    bool timedOut = false;           // since the last cycle
     bool toldSilent = false;         // that has been logged
     bool toldSlow = false;           // that it loses frames by not reading, too
   };
   struct MonitorSession {
     std::shared_ptr<FramedConnection> connection;
     MonitorStream stream;
-    bool toldSlow = false;  // that it loses messages by not reading has been logged
+    Share used;
+    bool toldSlow = false;      // that it loses messages by not reading has been logged
+    bool toldDropping = false;  // that commands of it are lost, too
   };
 
-  Tcp::acceptor open(unsigned short port);
-  void acceptAgent();
-  void acceptMonitor();
+  static bool within(const Share& used, const Share& limit);
+  // Takes the next frame out of the share.
+  static std::string take(FramedConnection& connection, Share& used);
+
+  void open(Door& door, unsigned short port);
+  void accept(Door& door);
+  void addAgent(Tcp::socket socket);
+  void addMonitor(Tcp::socket socket);
   void onAgentEvent(AgentSession& session);
-  void onMonitorEvent(MonitorSession& session);
+  // Without a robot nothing is answered: what comes is read as soon as the share allows.
+  void readForScene(AgentSession& session);
+  // Lockstep: hands over answers whose cycle has passed. There may be more of them than can wait.
+  void catchUp(AgentSession& session);
+  void readCommands(MonitorSession& session);
+  void renewShares();
 
   bool clockRuns() const;
   bool frameDue(const AgentSession& session) const;
-  bool answered(const AgentSession& session) const;
+  static long received(const AgentSession& session);
+  static bool answered(const AgentSession& session);
   bool everybodyReady();
+  void pollEvents();
   void listen();
   void waitForAgents();
   void waitForTick();
@@ -106,7 +151,8 @@ class ArenaServer {
   void cycle();
   void removeEnded();
   void closeAll();
-  void apply(AgentSession& session);
+  // Hands a message to the match.
+  void apply(const AgentSession& session, const std::string& message);
   void handOver();
   void sendPercepts();
   void sendMonitors();
@@ -116,13 +162,14 @@ class ArenaServer {
   ServerOptions options_;
   std::function<void(const std::string&)> log_;
   boost::asio::io_context io_;
-  Tcp::acceptor agentAcceptor_;
-  Tcp::acceptor monitorAcceptor_;
+  Door agentDoor_{io_, "agent"};
+  Door monitorDoor_{io_, "monitor"};
   boost::asio::signal_set signals_;
   std::list<AgentSession> agents_;
   std::list<MonitorSession> monitors_;
   Observer observer_;
   Wiretap wiretap_;
+  std::function<void()> idler_;
   CycleReport report_;
   long cycles_ = 0;
   bool begun_ = false;

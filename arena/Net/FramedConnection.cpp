@@ -5,55 +5,9 @@
 #include <utility>
 
 namespace arena {
-namespace {
-
-constexpr std::size_t kPrefixLength = 4;
-
-std::size_t lengthIn(std::string_view prefix) {
-  std::size_t length = 0;
-  for (std::size_t i = 0; i < kPrefixLength; ++i) {
-    length = length << 8 | static_cast<unsigned char>(prefix[i]);
-  }
-  return length;
-}
-
-}  // namespace
-
-std::array<char, 4> framePrefix(std::size_t length) {
-  return {static_cast<char>(length >> 24), static_cast<char>(length >> 16),
-          static_cast<char>(length >> 8), static_cast<char>(length)};
-}
-
-bool FrameSplitter::lengthAllowed() const {
-  const std::string_view rest = std::string_view(buffer_).substr(begin_);
-  return rest.size() < kPrefixLength || lengthIn(rest) <= maxLength_;
-}
-
-bool FrameSplitter::append(std::string_view bytes) {
-  buffer_.append(bytes);
-  return lengthAllowed();
-}
-
-bool FrameSplitter::next(std::string& frame) {
-  const std::string_view rest = std::string_view(buffer_).substr(begin_);
-  if (rest.size() < kPrefixLength) return false;
-  const std::size_t length = lengthIn(rest);
-  if (length > maxLength_ || rest.size() < kPrefixLength + length) {
-    buffer_.erase(0, begin_);
-    begin_ = 0;
-    return false;
-  }
-  frame.assign(rest.substr(kPrefixLength, length));
-  begin_ += kPrefixLength + length;
-  if (begin_ == buffer_.size()) {
-    buffer_.clear();
-    begin_ = 0;
-  }
-  return true;
-}
 
 FramedConnection::FramedConnection(boost::asio::ip::tcp::socket socket, const Limits& limits)
-    : socket_(std::move(socket)), limits_(limits), splitter_(limits.frame_length) {
+    : socket_(std::move(socket)), limits_(limits), splitter_(limits.frameLength) {
   boost::system::error_code ignored;
   socket_.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
   socket_.non_blocking(true, ignored);
@@ -81,7 +35,7 @@ void FramedConnection::end(const std::string& reason) {
 }
 
 void FramedConnection::read() {
-  if (reading_ || ended_ || frames_.size() >= limits_.queue) return;
+  if (reading_ || ended_ || queueFull()) return;
   reading_ = true;
   socket_.async_read_some(
       boost::asio::buffer(input_),
@@ -98,7 +52,7 @@ void FramedConnection::onRead(const boost::system::error_code& error, std::size_
     return;
   }
   bool allowed = splitter_.append({input_.data(), count});
-  drainSplitter();
+  if (fillQueue() && listener_) listener_();
   allowed = allowed && splitter_.append({});
   if (!allowed) {
     end("frame longer than allowed");
@@ -107,25 +61,28 @@ void FramedConnection::onRead(const boost::system::error_code& error, std::size_
   read();
 }
 
-void FramedConnection::drainSplitter() {
+bool FramedConnection::queueFull() const {
+  return frames_.size() >= limits_.queue || waitingBytes_ >= limits_.queueBytes;
+}
+
+bool FramedConnection::fillQueue() {
   bool arrived = false;
   std::string frame;
-  while (frames_.size() < limits_.queue && splitter_.next(frame)) {
+  while (!queueFull() && splitter_.next(frame)) {
+    waitingBytes_ += frame.size();
     frames_.push_back(std::move(frame));
     arrived = true;
   }
-  if (arrived && listener_) listener_();
+  return arrived;
 }
 
 std::string FramedConnection::take() {
   assert(!frames_.empty());
   std::string frame = std::move(frames_.front());
   frames_.pop_front();
+  waitingBytes_ -= frame.size();
   if (!ended_ && !reading_) {
-    std::string more;
-    while (frames_.size() < limits_.queue && splitter_.next(more)) {
-      frames_.push_back(std::move(more));
-    }
+    fillQueue();
     if (!splitter_.append({})) {
       end("frame longer than allowed");
     } else {
@@ -138,7 +95,7 @@ std::string FramedConnection::take() {
 bool FramedConnection::send(std::string_view frame) {
   if (ended_) return false;
   if (unsent() > 0 && unsent() + frame.size() > limits_.unsent) return false;
-  const std::array<char, 4> prefix = framePrefix(frame.size());
+  const auto prefix = framePrefix(frame.size());
   unsent_.append(prefix.data(), prefix.size());
   unsent_.append(frame);
   write();

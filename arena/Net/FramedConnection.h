@@ -10,29 +10,9 @@
 #include <string>
 #include <string_view>
 
+#include "Wire/Frame.h"
+
 namespace arena {
-
-// Cuts a stream of bytes into frames: a 4-byte big-endian length, then as many bytes of text.
-class FrameSplitter {
- public:
-  explicit FrameSplitter(std::size_t maxLength) : maxLength_(maxLength) {}
-
-  // Takes the next bytes of the stream. Returns false if a frame is announced that is longer than
-  // allowed; nothing more can then be read from the stream.
-  bool append(std::string_view bytes);
-  // The next complete frame, if there is one. The text stays valid until the next call.
-  bool next(std::string& frame);
-
- private:
-  bool lengthAllowed() const;
-
-  std::size_t maxLength_;
-  std::string buffer_;
-  std::size_t begin_ = 0;  // of what has not been handed out
-};
-
-// The 4 bytes before a frame of this length.
-std::array<char, 4> framePrefix(std::size_t length);
 
 // One TCP connection that carries frames both ways. It never blocks and holds a bounded amount of
 // memory, whatever the other side does: with its queue full it stops reading, with its send buffer
@@ -40,9 +20,11 @@ std::array<char, 4> framePrefix(std::size_t length);
 class FramedConnection : public std::enable_shared_from_this<FramedConnection> {
  public:
   struct Limits {
-    std::size_t frame_length = std::size_t{64} << 10;  // bytes, of a frame that arrives
-    std::size_t queue = 64;                            // frames that wait to be taken
-    std::size_t unsent = std::size_t{256} << 10;       // bytes, beyond which frames are dropped
+    std::size_t frameLength = std::size_t{64} << 10;  // bytes, of a frame that arrives
+    std::size_t queue = 64;                           // frames that wait to be taken
+    std::size_t queueBytes = std::size_t{64}
+                             << 10;               // the same in bytes; the last one may exceed it
+    std::size_t unsent = std::size_t{256} << 10;  // bytes, beyond which frames are dropped
   };
   // Called whenever a frame has arrived or the connection has ended.
   using Listener = std::function<void()>;
@@ -70,7 +52,9 @@ class FramedConnection : public std::enable_shared_from_this<FramedConnection> {
  private:
   void read();
   void onRead(const boost::system::error_code& error, std::size_t count);
-  void drainSplitter();
+  bool queueFull() const;
+  // Moves frames that have arrived into the queue as far as it has room. Returns whether any were.
+  bool fillQueue();
   void write();
   void end(const std::string& reason);
 
@@ -80,6 +64,7 @@ class FramedConnection : public std::enable_shared_from_this<FramedConnection> {
   FrameSplitter splitter_;
   std::array<char, 8192> input_;
   std::deque<std::string> frames_;
+  std::size_t waitingBytes_ = 0;
   bool reading_ = false;
   std::string unsent_;
   std::size_t sent_ = 0;

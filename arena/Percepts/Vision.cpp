@@ -71,6 +71,7 @@ constexpr std::array<std::pair<std::string_view, Body>, 5> kVisibleParts{{
 const std::vector<std::pair<Eigen::Vector3d, Eigen::Vector3d>>& fieldLines() {
   static const auto lines = [] {
     std::vector<std::pair<Eigen::Vector3d, Eigen::Vector3d>> result;
+    result.reserve(std::size(kStraightLines) + kCircleSides);
     for (const FieldLine& line : kStraightLines) {
       result.emplace_back(Eigen::Vector3d(line.begin[0], line.begin[1], 0.0),
                           Eigen::Vector3d(line.end[0], line.end[1], 0.0));

@@ -2,11 +2,12 @@
 
 #include <zlib.h>
 
-#include <array>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+
+#include "Wire/Frame.h"
 
 namespace arena {
 
@@ -37,10 +38,9 @@ struct PerceptRecord::File {
   ~File() { close(); }
 
   void write(std::string_view text) {
+    const auto prefix = framePrefix(text.size());
     const auto size = static_cast<unsigned>(text.size());
-    std::array<char, 4> prefix{};
-    for (std::size_t i = 0; i < 4; ++i) prefix[i] = static_cast<char>(size >> (24 - 8 * i));
-    good = good && gzwrite(file, prefix.data(), 4) == 4 &&
+    good = good && gzwrite(file, prefix.data(), prefix.size()) == static_cast<int>(prefix.size()) &&
            (size == 0 || gzwrite(file, text.data(), size) == static_cast<int>(size));
     ++frames;
   }

@@ -2,13 +2,17 @@
 
 #include <zlib.h>
 
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
 
 namespace arena {
 
 namespace {
 
-constexpr std::size_t kFlushSize = 64 * 1024;
+constexpr std::size_t kBufferSize = 64 * 1024;
+// Twice as often as promised: a cycle may take its time.
+constexpr std::chrono::milliseconds kFlushInterval{500};
 
 RecordedCycle recorded(const Scene& scene, const GameState& game, std::span<const GoalEvent> goals,
                        std::span<const FoulEvent> fouls) {
@@ -34,9 +38,12 @@ RecordedCycle recorded(const Scene& scene, const GameState& game, std::span<cons
 }  // namespace
 
 RecordingWriter::RecordingWriter(const std::string& path) : file_(gzopen(path.c_str(), "wb3")) {
-  if (!file_) throw std::runtime_error("cannot write the recording " + path);
+  if (!file_) {
+    throw std::runtime_error("cannot write the recording " + path + ": " + std::strerror(errno));
+  }
   buffer_ = kRecordingMagic;
   RecordingEncoder::appendByte(buffer_, kRecordingVersion);
+  flush();
 }
 
 RecordingWriter::~RecordingWriter() {
@@ -47,10 +54,16 @@ void RecordingWriter::write(const Scene& scene, const GameState& game,
                             std::span<const GoalEvent> goals, std::span<const FoulEvent> fouls) {
   encoder_.encode(recorded(scene, game, goals, fouls), game.teamNames, buffer_);
   ++cycles_;
-  if (buffer_.size() >= kFlushSize) flush();
+  fresh_ = false;
+  if (buffer_.size() >= kBufferSize) compress();
+  keepFresh();
 }
 
-void RecordingWriter::flush() {
+void RecordingWriter::keepFresh() {
+  if (!fresh_ && Clock::now() - flushed_ >= kFlushInterval) flush();
+}
+
+void RecordingWriter::compress() {
   const auto size = static_cast<unsigned>(buffer_.size());
   if (size > 0 &&
       gzwrite(static_cast<gzFile>(file_), buffer_.data(), size) != static_cast<int>(size)) {
@@ -59,11 +72,18 @@ void RecordingWriter::flush() {
   buffer_.clear();
 }
 
+void RecordingWriter::flush() {
+  compress();
+  if (gzflush(static_cast<gzFile>(file_), Z_SYNC_FLUSH) != Z_OK) good_ = false;
+  fresh_ = true;
+  flushed_ = Clock::now();
+}
+
 bool RecordingWriter::close() {
   if (!file_) return good_;
   RecordingEncoder::appendByte(buffer_, static_cast<std::uint8_t>(RecordingBlock::End));
   RecordingEncoder::appendUnsigned(buffer_, cycles_);
-  flush();
+  compress();
   if (gzclose(static_cast<gzFile>(file_)) != Z_OK) good_ = false;
   file_ = nullptr;
   return good_;

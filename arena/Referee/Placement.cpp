@@ -13,13 +13,42 @@ namespace arena {
 
 namespace {
 
-// Half the edge of the square that stands for a robot's visible shape.
-constexpr double kBodyHalfWidth = 0.2;
+// Half the edges of the flat box that stands for a robot's visible shape, in the torso's frame, m.
+const Eigen::Vector3d kBodyHalfSize{0.2, 0.2, 0.005};
 // A player put exactly to the edge of a margin is outside of it, whatever the rounding.
 constexpr double kEdge = 1e-9;
 
 Eigen::Vector3d on(const Eigen::Vector2d& place, double height) {
   return {place.x(), place.y(), height};
+}
+
+bool isBehindGoalLine(const Eigen::Vector3d& place) {
+  return std::abs(place.x()) > kHalfLength;
+}
+
+// Robots often stand at round places, and then the last digit decides about those exactly 0.4 m
+// from another's box. To decide like the league's server, the search computes in single precision:
+// beside a robot that sleeps on its feet such a place is free; before or behind it, where its lean
+// of 4e-5 adds a hair to the box, it is not.
+
+// The coordinate so many steps of the search away from `start`, which is itself left as it is.
+double stepped(double start, long steps) {
+  const float step = static_cast<float>(steps < 0 ? -kPlaceStep : kPlaceStep);
+  for (; steps != 0; steps -= steps < 0 ? -1 : 1) start = static_cast<float>(start) + step;
+  return start;
+}
+
+// So many steps is a way long, m. For a robot that was thrown out of all bounds any number will do
+// whose square is one.
+long wholeSteps(double way) {
+  constexpr double kMost = 1e6;
+  return std::lround(std::fmax(-kMost, std::fmin(kMost, way / kPlaceStep)));
+}
+
+// Whether the box is too near to the place for another robot.
+bool crowds(const Eigen::AlignedBox3d& box, const Eigen::Vector3d& place) {
+  const Eigen::Vector3f centre = place.cast<float>();
+  return box.cast<float>().exteriorDistance(centre) < static_cast<float>(kAgentRadius);
 }
 
 bool contains(const Eigen::AlignedBox2d& area, const Eigen::Vector3d& place) {
@@ -48,7 +77,7 @@ Eigen::AlignedBox3d Placement::bounds(const RobotView& robot) const {
     box.extend(Eigen::Vector3d(pose.translation() - reach));
     box.extend(Eigen::Vector3d(pose.translation() + reach));
   };
-  extend(robot.torso, {kBodyHalfWidth, kBodyHalfWidth, 0.0});
+  extend(robot.torso, kBodyHalfSize);
   for (const ColliderView& collider : world_.colliders(robot.handle)) {
     extend(collider.pose, collider.halfSize);
   }
@@ -128,7 +157,7 @@ void Placement::repel(Side team, const Eigen::Vector2d& centre, double radius, d
 
 bool Placement::isSafe(const RobotView& robot, const Eigen::Vector3d& place,
                        bool awayFromBall) const {
-  if (std::abs(place.x()) > kHalfLength && std::abs(place.y()) < kBehindGoalY) return false;
+  if (isBehindGoalLine(place) && std::abs(place.y()) < kBehindGoalY) return false;
   if (awayFromBall &&
       (place - world_.ball().position).head<2>().norm() < kPlaceBallDistance - kEdge) {
     return false;
@@ -138,7 +167,7 @@ bool Placement::isSafe(const RobotView& robot, const Eigen::Vector3d& place,
   const Eigen::AlignedBox2d area = penaltyArea(team ? robot.side : Side::Left);
   for (const RobotView& other : world_.robots()) {
     if (other.handle == robot.handle) continue;
-    if (bounds(other).exteriorDistance(place) < kAgentRadius - kEdge) return false;
+    if (crowds(bounds(other), place)) return false;
     if (team && other.side == robot.side && contains(area, other.torso.translation())) ++inArea;
   }
   if (inArea < kMaxInOwnArea) return true;
@@ -148,32 +177,36 @@ bool Placement::isSafe(const RobotView& robot, const Eigen::Vector3d& place,
 
 void Placement::put(const RobotView& robot, const Eigen::Vector3d& place, bool awayFromBall,
                     float time) {
-  const Eigen::Vector2d present = robot.torso.translation().head<2>();
-  using Cell = std::pair<int, int>;
-  struct Candidate {
-    double distance;  // to the robot's present place
-    int order;        // of discovery; decides among equal distances
-    Cell cell;        // grid steps from `place`
-    bool operator<(const Candidate& other) const {
-      return std::tie(distance, order) < std::tie(other.distance, other.order);
-    }
-  };
+  using Cell = std::pair<long, long>;  // grid steps in x and y
   const auto at = [&place](const Cell& cell) {
-    return Eigen::Vector3d(place.x() + cell.first * kPlaceStep,
-                           place.y() + cell.second * kPlaceStep, place.z());
+    return Eigen::Vector3d(stepped(place.x(), cell.first), stepped(place.y(), cell.second),
+                           place.z());
   };
-  std::set<Candidate> open;
+  const Eigen::Vector3d way = place - robot.torso.translation();
+  const Cell start{wholeSteps(way.x()), wholeSteps(way.y())};
+  const auto distance = [&start](const Cell& cell) {
+    const long x = start.first + cell.first;
+    const long y = start.second + cell.second;
+    return x * x + y * y;
+  };
+
+  // Distance, how far off the middle of the pitch, cell: the smallest is tried first.
+  std::set<std::tuple<long, double, Cell>> open;
   std::set<Cell> seen;
   const auto discover = [&](const Cell& cell) {
-    if (!seen.insert(cell).second) return;
-    open.insert({(at(cell).head<2>() - present).norm(), static_cast<int>(seen.size()), cell});
+    if (distance(cell) < distance({0, 0}) || !seen.insert(cell).second) return;
+    open.insert({distance(cell), at(cell).head<2>().lpNorm<1>(), cell});
+  };
+  const auto isFree = [&](const Cell& cell) {
+    const bool leaves = !isBehindGoalLine(place) && isBehindGoalLine(at(cell));
+    return !leaves && isSafe(robot, at(cell), awayFromBall);
   };
 
   Eigen::Vector3d found = place;
   discover({0, 0});
   for (int attempt = 0; attempt < kPlaceAttempts && !open.empty(); ++attempt) {
-    const Cell cell = open.extract(open.begin()).value().cell;
-    if (isSafe(robot, at(cell), awayFromBall)) {
+    const Cell cell = std::get<Cell>(open.extract(open.begin()).value());
+    if (isFree(cell)) {
       found = at(cell);
       break;
     }

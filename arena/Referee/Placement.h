@@ -17,8 +17,8 @@ class Placement {
  public:
   explicit Placement(RefereeWorld& world) : world_(world) {}
 
-  // The box around a robot: its colliders and the square of +-0.2 m in the torso's x-y plane
-  // that stands for its visible shape, turned with the torso.
+  // The box around a robot: its colliders and the flat box of +-0.2 m in the torso's x and y that
+  // stands for its visible shape, turned with the torso.
   Eigen::AlignedBox3d bounds(const RobotView& robot) const;
   // The rectangle over the centres of its colliders.
   Eigen::AlignedBox2d centres(const RobotView& robot) const;
@@ -37,9 +37,13 @@ class Placement {
   // straight away from it to the distance radius + pad.
   void repel(Side team, const Eigen::Vector2d& centre, double radius, double pad, float time);
 
-  // Puts the robot to the place or, if that is unsafe, to the safe place found first on a grid
-  // around it, nearest to the robot's present place first. `awayFromBall`: places near the ball are
-  // unsafe. The height of the place is kept.
+  // Puts the robot to the place or, if that is unsafe, to the safe place found first on a grid of
+  // 0.4 m around it. Places nearer to where the robot stands than the wanted one are left out, for
+  // he is to go at least that far; of the others the nearest to where he stands comes first, so
+  // that a player moved along x is shifted along y, and the other way round. Distances count in
+  // whole steps of the grid; among equal ones the place towards the middle of the pitch wins. The
+  // search never leads across a goal line. `awayFromBall`: places near the ball are unsafe. The
+  // height of the place is kept.
   void put(const RobotView& robot, const Eigen::Vector3d& place, bool awayFromBall, float time);
   // Where a penalised player is put, on the side away from the ball.
   Eigen::Vector3d besidePitch(Side side, int number, double height) const;

@@ -211,12 +211,12 @@ void Referee::stepSetPlay() {
   clearRestrictions();
   const Side kicking = sideOf(game_.mode);
   const SetPlayRule& rule = *setPlayRule(kindOf(game_.mode));
-  const Eigen::Vector3d ball = world_.ball().position;
 
   if (ball_.touchedAfter(game_.modeStart + kSetPlayTouchAge)) {
+    if (!setPlay_.pinned && !setPlay_.arranged) arrangeSetPlay();
     if (!rule.clearsPenaltyArea) return takeKick(rule.indirect);
     setPlay_.played = true;
-    if (!penaltyArea(kicking).contains(Eigen::Vector2d(ball.head<2>()))) {
+    if (!penaltyArea(kicking).contains(Eigen::Vector2d(world_.ball().position.head<2>()))) {
       return takeKick(rule.indirect);
     }
   }
@@ -227,11 +227,16 @@ void Referee::stepSetPlay() {
   } else {
     placement_.keepOutOfCircle(opponent(kicking), setPlay_.place, kFreeKickDistance, game_.time);
   }
+  if (setPlay_.pinned && !setPlay_.played) arrangeSetPlay();
+}
+
+// Puts the ball to its place and, the first time, moves the kicking team off it.
+void Referee::arrangeSetPlay() {
   if (!setPlay_.arranged) {
-    placement_.repel(kicking, setPlay_.place, kKickerDistance, 0.0, game_.time);
+    placement_.repel(sideOf(game_.mode), setPlay_.place, kKickerDistance, 0.0, game_.time);
   }
   setPlay_.arranged = true;
-  if (!setPlay_.played) world_.setBall(onGround(setPlay_.place), Eigen::Vector3d::Zero());
+  world_.setBall(onGround(setPlay_.place), Eigen::Vector3d::Zero());
 }
 
 void Referee::takeKick(bool indirect) {
@@ -256,9 +261,11 @@ void Referee::setTeamName(Side side, std::string name) {
 void Referee::setMode(PlayMode mode) {
   // A set play that somebody else than the referee calls is taken where the ball was last in the
   // field, whatever its kind: the league's server does so.
-  const bool freeKick =
-      kindOf(mode) == ModeKind::FreeKick || kindOf(mode) == ModeKind::DirectFreeKick;
+  const ModeKind kind = kindOf(mode);
+  const bool freeKick = kind == ModeKind::FreeKick || kind == ModeKind::DirectFreeKick;
   enter(mode, freeKick ? freeKickPlace(ball_.lastInField()) : ball_.lastInField());
+  // Nor does it hold the ball of such a corner or goal kick at its place.
+  setPlay_.pinned = kind != ModeKind::CornerKick && kind != ModeKind::GoalKick;
 }
 
 // Enters a mode whose ball place, if it is a set play, is given.
@@ -268,7 +275,7 @@ void Referee::enter(PlayMode mode, const Eigen::Vector2d& place) {
   if (kindOf(mode) == ModeKind::BeforeKickOff) kickOffWait_ = 0;
   game_.mode = mode;
   game_.modeStart = game_.time;
-  setPlay_ = {place, false, false};
+  setPlay_ = {.place = place};
 }
 
 void Referee::kickOff(Side side) {
@@ -285,9 +292,10 @@ void Referee::kickOff(Side side) {
 }
 
 void Referee::dropBall() {
-  Eigen::Vector2d place = freeKickPlace(world_.ball().position.head<2>());
-  place.y() = std::clamp(place.y(), -kHalfWidth, kHalfWidth);
-  world_.setBall(onGround(place), Eigen::Vector3d::Zero());
+  const Eigen::Vector3d ball = world_.ball().position;
+  const Eigen::Vector2d place = dropBallPlace(ball.head<2>());
+  // At its own height: it really drops.
+  world_.setBall(Eigen::Vector3d(place.x(), place.y(), ball.z()), Eigen::Vector3d::Zero());
   for (const Side side : kBothSides) {
     placement_.keepOutOfCircle(side, place, kFreeKickDistance, game_.time);
   }

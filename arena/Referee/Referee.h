@@ -84,6 +84,7 @@ class Referee {
   void stepPlayOn();
   void stepGoal();
   void stepSetPlay();
+  void arrangeSetPlay();
   bool checkDoubleTouch();
   bool checkGoal();
   void checkOut();

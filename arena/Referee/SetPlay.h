@@ -26,12 +26,17 @@ Eigen::Vector2d kickInPlace(const Eigen::Vector2d& lastInField, double ballY);
 // Corner of the attacking side, on the half with the sign of y.
 Eigen::Vector2d cornerPlace(Side attacking, double ballY);
 Eigen::Vector2d goalKickPlace(Side defending);
-// Free kick and drop ball: the given place, or the outer corner of the penalty area it lies in.
+// Free kick: the given place, or the outer corner of the penalty area it lies in.
 Eigen::Vector2d freeKickPlace(const Eigen::Vector2d& ball);
+// Drop ball: as for a free kick, but just within the side line if the ball is beyond it.
+Eigen::Vector2d dropBallPlace(const Eigen::Vector2d& ball);
 
 // A set play under way.
 struct SetPlay {
   Eigen::Vector2d place = Eigen::Vector2d::Zero();
+  // Whether the ball is put to its place in every cycle until it is taken. Otherwise it may roll,
+  // and is put there when it is touched: that moves the kicking team off it as well.
+  bool pinned = true;
   bool arranged = false;  // the kicking team has been moved off the ball
   bool played = false;    // goal kick: touched, but not yet out of the penalty area
 };

@@ -115,13 +115,13 @@ SExpression::Status SExpression::read(std::string_view frame) {
   frame_ = frame;
   unescaped_.clear();
   items_.clear();
-  if (frame.size() > std::numeric_limits<std::uint32_t>::max()) return Status::kTooLarge;
+  if (frame.size() > std::numeric_limits<std::uint32_t>::max()) return Status::TooLarge;
 
   std::array<std::uint32_t, kMaxDepth> open{};  // the lists around the place of reading
   int depth = 0;
-  Status status = Status::kComplete;
+  Status status = Status::Complete;
   std::size_t at = 0;
-  while (at < frame.size() && status == Status::kComplete) {
+  while (at < frame.size() && status == Status::Complete) {
     const char c = frame[at];
     if (isSeparator(c)) {
       ++at;
@@ -131,9 +131,9 @@ SExpression::Status SExpression::read(std::string_view frame) {
     } else if (c == '(') {
       ++at;
       if (depth == kMaxDepth) {
-        status = Status::kTooDeep;
+        status = Status::TooDeep;
       } else if (items_.size() == kMaxNodes) {
-        status = Status::kTooLarge;
+        status = Status::TooLarge;
       } else {
         open[static_cast<std::size_t>(depth++)] = static_cast<std::uint32_t>(items_.size());
         items_.push_back({.list = true});
@@ -149,7 +149,7 @@ SExpression::Status SExpression::read(std::string_view frame) {
     }
   }
   if (depth > 0) {
-    if (status == Status::kComplete) status = Status::kUnfinished;
+    if (status == Status::Complete) status = Status::Unfinished;
     items_.resize(open[0]);
   }
   return status;
@@ -172,7 +172,7 @@ void SExpression::readAtom(std::size_t& at, bool keep, Status& status) {
     }
     if (quote != '\0' ? c == quote : isSeparator(c) || isBracket(c) || isQuote(c)) break;
     if (quote == '\0' && !isAtomCharacter(c)) {
-      status = Status::kIllegalByte;
+      status = Status::IllegalByte;
       return;
     }
     if (escaped) unescaped_.push_back(c);
@@ -181,14 +181,14 @@ void SExpression::readAtom(std::size_t& at, bool keep, Status& status) {
   const std::size_t end = at;
   if (quote != '\0') {
     if (at == frame_.size()) {
-      status = Status::kUnfinished;
+      status = Status::Unfinished;
       return;
     }
     ++at;
   }
   if (!keep) return;
   if (items_.size() == kMaxNodes) {
-    status = Status::kTooLarge;
+    status = Status::TooLarge;
     return;
   }
   const std::size_t from = escaped ? unescapedBegin : begin;

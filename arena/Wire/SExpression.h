@@ -25,7 +25,7 @@ namespace arena {
 // Storage is reused from frame to frame, so that reading does not allocate once it is warm.
 class SExpression {
  public:
-  enum class Status { kComplete, kUnfinished, kIllegalByte, kTooDeep, kTooLarge };
+  enum class Status { Complete, Unfinished, IllegalByte, TooDeep, TooLarge };
 
   // Nested lists allowed, the outermost included.
   static constexpr int kMaxDepth = 32;

@@ -12,6 +12,7 @@
 #include "Utilities/Config.h"
 #include "Utilities/FastIC.h"
 #include "WorldModel/Ball.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
@@ -58,7 +59,7 @@ Point aimOf(Point reach) {
   const bool near = !far && (wide || reach.x <= -10);
   if (!near && reach.y < -1) s = reach.y + 1;
   if (!near && reach.y > 1) s = reach.y - 1;
-  return {kOwnGoalX, s * 0.5 / (reach.x + 15)};
+  return {kOwnGoalX, s * 0.5 / (reach.x + kHalfLength)};
 }
 
 // The line along which the opponent plays.
@@ -138,7 +139,7 @@ Point runningPoint(const Line& line, Point self, Vector velocity) {
 
 // The nearest first, by exchange of neighbours: equal ones, and those whose distance is not a
 // number, stay in place.
-void sortByDistance(std::array<const Player*, 11>& team, Vector point) {
+void sortByDistance(std::array<const Player*, kPlayers>& team, Vector point) {
   const auto distanceOf = [&](const Player* p) {
     return p->getCalculatedPosition().getDistanceTo(point);
   };
@@ -219,13 +220,14 @@ bool Block::extraBlockExecute() {
   fc.calculate();
   const Vector point = fc.fastestOpponent.reachPoint;
 
-  std::array<const Player*, 11> team;
+  std::array<const Player*, kPlayers> team;
   for (std::size_t i = 0; i < team.size(); ++i) team[i] = &agent->WM->player[ourSide][i];
   sortByDistance(team, point);
   const auto extra = std::find_if(team.begin(), team.end(), [](const Player* p) {
     return p->getPlayerNumber() > 1 && p->getPlayerNumber() <= 6;
   });
-  if (extra == team.end() || (*extra)->getPlayerNumber() != unum || ballPos.getX() > -9)
+  if (extra == team.end() || (*extra)->getPlayerNumber() != unum || ballPos.getX() > -9) {
     return false;
+  }
   return holdOrGo(blockPos);
 }

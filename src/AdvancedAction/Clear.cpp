@@ -5,6 +5,7 @@
 #include "AdvancedAction/GoToKick.h"
 #include "Agent/Agent.h"
 #include "WorldModel/Ball.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
@@ -25,7 +26,7 @@ constexpr int kMouthSteps = 13;
 bool runsIntoOwnGoal(double slope, double offset) {
   double y = kMouthFrom;
   for (int i = 0; i < kMouthSteps; ++i, y += kMouthStep) {
-    if (std::fabs((y - offset) / slope + 15) < 0.4) return true;
+    if (std::fabs((y - offset) / slope + kHalfLength) < 0.4) return true;
   }
   return false;
 }

@@ -11,6 +11,7 @@
 #include "Mathematics/Degree.h"
 #include "Utilities/Config.h"
 #include "Utilities/FastIC.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
@@ -123,7 +124,7 @@ void travelTimes(double theta, double d, Vector dis, double (&time)[kWays]) {
 // The least time. The ways to the left and sideways are never taken, and nobody walks backward near
 // its own goal.
 double least(const double (&time)[kWays], Vector pos) {
-  const bool farFromOwnGoal = pos.getDistanceOnGround(Vector(-15, 0, 0)) > kOwnGoalRadius;
+  const bool farFromOwnGoal = pos.getDistanceOnGround(kOwnGoal) > kOwnGoalRadius;
   double t = kNever;
   for (int i = 0; i < kWays; ++i) {
     if (i == kTurnLeftThenStep || i == kOmniSideway) continue;
@@ -241,7 +242,7 @@ bool Decide::end(Vector pos_toGo, Vector posToRot) {
   find(pos_toGo, posToRot, 20, 1.0);
   const float behind = agent->WM->mySelf->getGlobalPosition().getX() - pos_toGo.getX();
   if (behind >= -2 && behind <= -1.5) {
-    agent->actions->stopAction(agent->reset->execute(0, 10, 5));
+    agent->actions->stopAction(agent->reset->execute(Reset::kFixedStance));
   }
   return false;
 }
@@ -252,7 +253,7 @@ double Decide::fast(Vector pos_toGo) {
   const Vector pos = WM->mySelf->getGlobalPosition();
   Player& entry = WM->player[WM->ourSide != SIDE_LEFT][unum - 1];
   const Orientation facing = entry.getPlayerNumber() == unum
-                                 ? orientationFromBearing(wrapped(WM->getAngleTo(Vector(15, 0, 0))))
+                                 ? orientationFromBearing(wrapped(WM->getAngleTo(kOtherGoal)))
                                  : entry.getBodyDirection(WM->gameTime);
 
   const double heading = compassDegrees(facing);

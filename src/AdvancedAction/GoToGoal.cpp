@@ -6,6 +6,7 @@
 #include "BasicAction/Reset.h"
 #include "Decision/Actions.h"
 #include "WorldModel/Ball.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
@@ -25,21 +26,22 @@ bool GoToGoal::execute() {
   Vector ballPos = agent->WM->ball->getGlobalPosition();
   const Vector selfPos = agent->WM->getAgentPosition();
   const double dist = selfPos.getDistanceTo(ballPos);  // of the remembered ball, also when lost
-  const Vector toGo(15, 0, 0);
 
   if (agent->WM->gameTime - agent->WM->ball->getLastTimeSeen() > kLost) ballPos = selfPos;
-  if (selfPos.getDistanceTo(toGo) < 0.2) return true;
+  if (selfPos.getDistanceTo(kOtherGoal) < 0.2) return true;
   if (dist > 1.5) state = kApproach;
 
   switch (state) {
     case kApproach:
-      if (agent->goToPoint->fineApproach(ballPos, toGo, 5, 1.2)) state = kReset;
+      if (agent->goToPoint->fineApproach(ballPos, kOtherGoal, 5, 1.2)) state = kReset;
       break;
     case kReset:
-      if (agent->actions->ChangeAction(agent->reset->execute(1, 10, 5))) state = kDribble;
+      if (agent->actions->ChangeAction(agent->reset->execute(Reset::kNeutralStance))) {
+        state = kDribble;
+      }
       break;
     case kDribble:
-      agent->dribble->dribble(toGo, 0);
+      agent->dribble->dribble(kOtherGoal, 0);
       break;
     default:
       break;

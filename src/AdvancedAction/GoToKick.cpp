@@ -42,7 +42,7 @@ bool GoToKick::execute(Vector v) {
       return false;
 
     case kReset:
-      if (actions->ChangeAction(agent->reset->execute(0, 10, 5))) GTKstate = kSmallSteps;
+      if (actions->ChangeAction(agent->reset->execute(Reset::kFixedStance))) GTKstate = kSmallSteps;
       return false;
 
     case kSmallSteps: {

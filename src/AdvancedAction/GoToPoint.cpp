@@ -30,7 +30,7 @@ double distanceOf(Agent* agent, Vector point) {
 }
 
 bool neutralStance(Agent* agent) {
-  return agent->actions->ChangeAction(agent->reset->execute(1, 10, 5));
+  return agent->actions->ChangeAction(agent->reset->execute(Reset::kNeutralStance));
 }
 
 }  // namespace

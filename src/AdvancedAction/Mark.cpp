@@ -7,12 +7,11 @@
 #include "Agent/Agent.h"
 #include "Utilities/Config.h"
 #include "WorldModel/Ball.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
-
-constexpr int kPlayers = 11;
 
 // Metres from an opponent to its marking point, towards the ball.
 constexpr double kMarkGap = 0.5;
@@ -72,7 +71,8 @@ bool Mark::canServe(int index, Vector markPoint, double& distance) const {
   const Vector pos = number == unum ? selfPos : player.getCalculatedPosition();
   if (pos == Vector(0, 0, 0) || number == 1) return false;
   // The stored game time itself, not its age: whoever's head has been seen at all after the first
-  // moments of the game is no candidate. Required as it stands.
+  // moments of the game is no candidate. Must stay: with the age in its place nearly everybody
+  // would be one, other players would mark, and each candidate costs a calculation of its own.
   if (player.headLastTimeSeen > 0.2) return false;
   if (!stepsMeet(pos, markPoint)) return false;
 

@@ -6,6 +6,7 @@
 #include "Utilities/Config.h"
 #include "Utilities/FastIC.h"
 #include "WorldModel/Ball.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
@@ -16,8 +17,6 @@ namespace {
 // Displacement of a kicked ball in its first step, metres, and the factor on it per step.
 constexpr double kKickSpeed = 2;
 constexpr double kKickDecay = 0.06;
-
-const Vector kGoal(15, 0, 0);
 
 }  // namespace
 
@@ -83,14 +82,14 @@ bool Pass::execute() {
     return true;
   }
 
-  simulateKick(fc, kGoal, false);
+  simulateKick(fc, kOtherGoal, false);
   const Player& receiver = fc.fastest.human;
   const bool mine = receiver.getPlayerNumber() == unum &&
                     receiver.getTeamSide() == (ourSide ? SIDE_RIGHT : SIDE_LEFT) && !fc.isOut;
   // A ball that leaves through the mouth of a goal counts as good, whoever reaches it.
   if (!mine && !fc.isInGoal) return false;
-  selfWay =
-      Way(selfPos, kGoal, fc.fastest.reachPoint, fc.fastest.reachCycle, receiver.getPlayerNumber());
+  selfWay = Way(selfPos, kOtherGoal, fc.fastest.reachPoint, fc.fastest.reachCycle,
+                receiver.getPlayerNumber());
   return selfPassExecute();
 }
 
@@ -98,7 +97,7 @@ bool Pass::selfPassExecute() {
   if (goAfter == 0) {
     if (agent->goToKick->execute(selfWay.maghsadPos)) goAfter = 1;
   } else {
-    if (agent->goToBall->common(kGoal, 15, 0.5f)) goAfter = 0;
+    if (agent->goToBall->common(kOtherGoal, 15, 0.5f)) goAfter = 0;
   }
   return true;
 }

@@ -15,8 +15,9 @@
 #include "BasicAction/Turn.h"
 #include "BasicAction/Walk.h"
 #include "Decision/Actions.h"
+#include "WorldModel/Game.h"
 
-Agent::Agent() : GOAL(15, 0, 0) {
+Agent::Agent() : GOAL(kOtherGoal) {
   kick = new Kick;
   standUp = new StandUp;
   reset = new Reset;

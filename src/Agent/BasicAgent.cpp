@@ -162,11 +162,10 @@ bool BasicAgent::solveIkLeg(Vector torso, Vector ankle, double* theta, bool /*si
 
 bool BasicAgent::solveIkLeg1(Vector torso, Vector ankle, double* theta, bool side, double xRot,
                              double yRot, double zRot) {
-  constexpr double kPi = 3.1415;  // this value, here as in the solver's closed forms
   constexpr int kSolvedJoints = 6;
   std::vector<double> sensed(kSolvedJoints);
   for (int i = 0; i < kSolvedJoints; ++i) {
-    sensed[i] = bControl.legController[side][i].currentAngle * kPi / 180;
+    sensed[i] = bControl.legController[side][i].currentAngle * InverseKinematic::kPi / 180;
   }
   return InverseKinematic().legSolver(torso, ankle, theta, side, sensed, xRot, yRot, zRot);
 }

@@ -59,7 +59,12 @@ class BasicAgent : public Robot {
   bool solveIkLeg(Vector torso, Vector ankle, double* theta, bool side, double xRot, double yRot,
                   double zRot);
 
-  // The same bridge to the chain solver, see InverseKinematic.
+  // Leg angles in degrees, in the server's sign convention, for a torso and an ankle position
+  // (millimetres) of the leg `side` by the chain form of InverseKinematic::legSolver: the foot, of
+  // the orientation xRot, yRot, zRot (radians), is aimed by the first solution within the joint
+  // ranges. The sensed angles of the leg go along and do not influence the answer. False, and theta
+  // as it was, when the target has no solution. REQUIRES: theta has room for seven numbers, joints
+  // 1 to 6 at their own index; a bound controller for each joint of the leg.
   bool solveIkLeg1(Vector torso, Vector ankle, double* theta, bool side, double xRot, double yRot,
                    double zRot);
 

@@ -6,7 +6,7 @@ namespace {
 
 enum JointType { kHead = 0, kHand = 1, kLeg = 2 };
 
-// The ankles of robot type 2 turn at other speeds than all other joints, rad/s.
+// The ankles of robot type 2 turn at other speeds than all other joints, degrees per cycle.
 struct AnkleLimit {
   int jointNo;
   float max;

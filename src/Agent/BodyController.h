@@ -18,9 +18,6 @@ class WorldModel;
 // type; a server ignores it where the robot has no toe. Numbers are not validated.
 class BodyController {
  public:
-  static constexpr int kHeadJoints = 2;
-  static constexpr int kHandJoints = 4;
-  static constexpr int kLegJoints = 7;
   // Limit of the value sent per cycle, for every joint of every robot type in play.
   static constexpr float kMaxAngle = 6;
 

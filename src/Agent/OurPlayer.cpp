@@ -66,14 +66,14 @@ void OurPlayer::cycle() {
 
 void OurPlayer::bindJoints() {
   for (int side = 0; side < 2; ++side) {
-    for (int i = 1; i <= BodyController::kHandJoints; ++i) {
+    for (int i = 1; i <= kHandJoints; ++i) {
       bControl.handController[side][i - 1].joint = WM->getHandJoint(i, side);
     }
-    for (int i = 1; i <= BodyController::kLegJoints; ++i) {
+    for (int i = 1; i <= kLegJoints; ++i) {
       bControl.legController[side][i - 1].joint = WM->getLegJoint(i, side);
     }
   }
-  for (int i = 1; i <= BodyController::kHeadJoints; ++i) {
+  for (int i = 1; i <= kHeadJoints; ++i) {
     bControl.headController[i - 1].joint = WM->getHeadJoint(i);
   }
 }

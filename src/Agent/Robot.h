@@ -33,6 +33,10 @@ class Robot {
   // One beam message to startPlace().
   void sendBeam();
 
+  // Declared for the family of messages; it has no body, so calling it does not link. The joints go
+  // out with the answer of each cycle.
+  void sendJoints();
+
   // The configured start of the own number: x, y in metres in the frame of the own team, z the
   // heading in degrees. In penalty mode it comes from the group "Penalty". Asserts that the
   // configuration gives three numbers.

@@ -3,25 +3,10 @@
 #include "BasicAction/Stepping.h"
 #include "Utilities/Logger.h"
 
-namespace {
-
-constexpr stepping::Table kBackWalk = {.file = "backWalk",
-                                       .group = "backwalk",
-                                       .stride = "Xankle",
-                                       .torso = {60, -10, -70},
-                                       .speed = {60, 40},
-                                       .strideFactor = 90,
-                                       .liftFactor = 50};
-
-constexpr int kFixedStance = 0;
-constexpr bool kRight = true;
-
-}  // namespace
-
 bool BackWalk::execute() {
-  sp = stepping::readSpeed(kBackWalk);
-  stepping::readTorso(kBackWalk, Xtorso, Ytorso, Ztorso);
-  stepping::readAnkles(kBackWalk, Xankle, Zankle);
+  sp = stepping::readSpeed(stepping::kBackWalk);
+  stepping::readTorso(stepping::kBackWalk, Xtorso, Ytorso, Ztorso);
+  stepping::readAnkles(stepping::kBackWalk, Xankle, Zankle);
   sp = sp * p;
   const bool stepEnded = basicWalk(gain, side);
   if (stepEnded) p = speed > p ? p + 0.1 : speed;
@@ -29,7 +14,7 @@ bool BackWalk::execute() {
 }
 
 bool BackWalk::basicWalk(float backGain, bool) {
-  return stepping::alternateSteps(*this, kFixedStance, backGain, kRight);
+  return stepping::alternateSteps(*this, Reset::kFixedStance, backGain, kRight);
 }
 
 bool BackWalk::step(float backGain, bool swing) {

@@ -3,15 +3,12 @@
 #include <iostream>
 
 #include "Agent/Agent.h"
-#include "BasicAction/Stepping.h"
 #include "Mathematics/Vector.h"
+#include "Utilities/Converter.h"
 #include "Utilities/Logger.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
-
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
 
 void log(const char* text) {
   logger["Agent"] << text << std::endl;
@@ -26,7 +23,7 @@ Dive* Dive::execute(int side, double _fCycle, bool rotateSide) {
   inAction = AT_DIVE;
   Side = side;
   RotateSide = rotateSide;
-  fCycle = stepping::integerPart(_fCycle);
+  fCycle = integerPart(_fCycle);
   return this;
 }
 

@@ -8,13 +8,6 @@
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
-namespace {
-
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
-}  // namespace
-
 Agent* FeedBack::agent = nullptr;
 
 IsNearFall FeedBack::isNearFall() {

@@ -1,33 +1,20 @@
 #include "BasicAction/ForWalk.h"
 
 #include "BasicAction/Stepping.h"
+#include "Utilities/Converter.h"
 #include "Utilities/Logger.h"
 
-namespace {
-
-constexpr stepping::Table kForWalk = {.file = "forWalk",
-                                      .group = "forwalk",
-                                      .stride = "Xankle",
-                                      .torso = {60, -10, -70},
-                                      .speed = {70, 30},
-                                      .strideFactor = 80,
-                                      .liftFactor = 50};
-
-constexpr int kWalkingStance = 3;
-
-}  // namespace
-
 bool ForWalk::execute() {
-  sp = stepping::integerPart(stepping::readSpeed(kForWalk));
-  sp = stepping::integerPart(sp * speed);
-  stepping::readTorso(kForWalk, Xtorso, Ytorso, Ztorso);
+  sp = integerPart(stepping::readSpeed(stepping::kForWalk));
+  sp = integerPart(sp * speed);
+  stepping::readTorso(stepping::kForWalk, Xtorso, Ytorso, Ztorso);
   for (double& increment : Yankle) increment = 0;
-  stepping::readAnkles(kForWalk, Xankle, Zankle);
+  stepping::readAnkles(stepping::kForWalk, Xankle, Zankle);
   return basicWalk(gain, side);
 }
 
 bool ForWalk::basicWalk(float forGain, bool firstSide) {
-  return stepping::alternateSteps(*this, kWalkingStance, forGain, firstSide);
+  return stepping::alternateSteps(*this, Reset::kForwardStance, forGain, firstSide);
 }
 
 bool ForWalk::step(float forGain, bool swing) {

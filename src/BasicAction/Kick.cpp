@@ -10,12 +10,49 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 // Frames that no kick handles: a kick that gets there holds still until it is reset.
 constexpr int kEndlessUnstable = 1700;
 constexpr int kEndlessUnstable1 = 80;
+
+// The order of unstable's frames: the one that follows `frame` when all its joints have arrived. A
+// frame of no kick is its own successor.
+int nextOfUnstable(int frame, KickMood along, KickMood across) {
+  const bool straight = across == CLOSE_Y;
+  switch (frame) {
+    case 0:  // the start
+      return 100;
+    case 100:  // all joints at 0
+      return 1;
+    case 1:  // to 5: the weight over the support foot, beside the ball
+    case 2:
+    case 3:
+    case 4:
+    case 5:
+    case 6:  // the kicking foot lifted
+      return frame + 1;
+    case 7:  // the knee drawn back
+      return along == CLOSE_X ? 8 : along == MEDIUM_X ? 11 : along == DISTANT_X ? 14 : frame;
+    case 8:  // the hip thrown forward, as far as the ball shall go: then one of two strikes
+      return straight ? 9 : 10;
+    case 11:
+      return straight ? 12 : 13;
+    case 14:
+      return straight ? 15 : 16;
+    case 15:  // the strike of a kick that never ends, kept on purpose
+      return kEndlessUnstable;
+    case 9:
+    case 10:
+    case 12:
+    case 13:
+    case 16:  // the other strikes
+      return 17;
+    case 17:   // the end
+    case 200:  // the pause
+      return 0;
+    default:
+      return frame;
+  }
+}
 
 // A robot of this type reaches further in unstable1.
 constexpr int kLongReachType = 2;
@@ -34,7 +71,6 @@ struct PoseFrame {
   Point torso;  // y is that of the right kick
   Point ankleSide, ankleOther;
   float speed;
-  int next;
 };
 
 template <size_t N>
@@ -50,12 +86,12 @@ constexpr float kPoseError = 3;
 // unstable: weight on the kicking leg, the other foot 100 mm forward, weight over that foot, the
 // kicking foot lifted.
 constexpr PoseFrame kUnstablePoses[] = {
-    // frame     torso         ankle[side]  ankle[otherside]  speed  next
-    {1, {30, -35, -25}, {0, 0, 0}, {0, 0, 15}, 25, 2},
-    {2, {30, -55, -25}, {0, 0, 0}, {0, 0, 30}, 25, 3},
-    {3, {30, 0, -25}, {0, 0, 0}, {100, 0, 0}, 50, 4},
-    {4, {85, 20, -25}, {0, 0, 15}, {100, 0, 0}, 40, 5},
-    {5, {85, 40, -25}, {0, 0, 25}, {100, 0, 0}, 40, 6},
+    // frame     torso         ankle[side]  ankle[otherside]  speed
+    {1, {30, -35, -25}, {0, 0, 0}, {0, 0, 15}, 25},
+    {2, {30, -55, -25}, {0, 0, 0}, {0, 0, 30}, 25},
+    {3, {30, 0, -25}, {0, 0, 0}, {100, 0, 0}, 50},
+    {4, {85, 20, -25}, {0, 0, 15}, {100, 0, 0}, 40},
+    {5, {85, 40, -25}, {0, 0, 25}, {100, 0, 0}, 40},
 };
 
 // The strikes of unstable.
@@ -65,17 +101,12 @@ struct StrikeFrame {
   float speed;      // of all joints that are given directly
   float hipPitch;   // joint 3 of the kicking leg, degrees
   bool levelHip;    // joints 2 and 6 of the kicking leg go to 0 instead of the solved angles
-  int next;
 };
 
-constexpr int kUnstableEnd = 17;
 constexpr StrikeFrame kStrikes[] = {
-    {9, {207, 2, 250}, 100, 100, false, kUnstableEnd},
-    {10, {207, 45, 250}, 100, 100, false, kUnstableEnd},
-    {12, {209, 2, 205}, 40, 90, false, kUnstableEnd},
-    {13, {209, 45, 205}, 40, 90, false, kUnstableEnd},
-    {15, {208, 2, 240}, 40, 90, true, kEndlessUnstable},
-    {16, {208, 45, 240}, 40, 100, false, kUnstableEnd},
+    {9, {207, 2, 250}, 100, 100, false}, {10, {207, 45, 250}, 100, 100, false},
+    {12, {209, 2, 205}, 40, 90, false},  {13, {209, 45, 205}, 40, 90, false},
+    {15, {208, 2, 240}, 40, 90, true},   {16, {208, 45, 240}, 40, 100, false},
 };
 
 const StrikeFrame* findStrike(int frame) {
@@ -103,31 +134,31 @@ constexpr float kStrikeError = 5;
 
 // unstable1, for the right foot: nothing is mirrored.
 constexpr PoseFrame kUnstable1Poses[] = {
-    {0, {40, -42, -10}, {0, 0, 0}, {0, 0, 30}, 50, 1},
-    {1, {10, -42, -10}, {0, 0, 0}, {125, 0, 30}, 50, 2},
-    {2, {110, 0, -35}, {0, 0, 0}, {125, 0, 0}, 50, 3},
-    {3, {110, 48, -35}, {0, 0, 20}, {125, 0, 0}, 50, 4},
+    {0, {40, -42, -10}, {0, 0, 0}, {0, 0, 30}, 50},
+    {1, {10, -42, -10}, {0, 0, 0}, {125, 0, 30}, 50},
+    {2, {110, 0, -35}, {0, 0, 0}, {125, 0, 0}, 50},
+    {3, {110, 48, -35}, {0, 0, 20}, {125, 0, 0}, 50},
 };
 constexpr float kLongReachTorsoX = 115;
 
 constexpr PoseFrame kGotosidePoses[] = {
-    {1, {30, -35, -25}, {0, 0, 0}, {0, 0, 15}, 25, 2},
-    {2, {30, -55, -25}, {0, 0, 0}, {0, 0, 30}, 25, 3},
-    {3, {30, 0, -25}, {0, 0, 0}, {100, 0, 0}, 25, 4},
-    {4, {85, 20, -25}, {0, 0, 25}, {100, 0, 0}, 25, 5},
-    {5, {85, 40, -25}, {0, 0, 25}, {100, 0, 0}, 25, 6},
-    {6, {85, 40, -25}, {0, 0, 25}, {100, 0, 0}, 25, 7},
-    {7, {85, 40, -25}, {100, 0, 25}, {100, 0, 0}, 25, 8},
-    {8, {85, 80, -25}, {180, 0, 25}, {100, 0, 0}, 25, 9},
-    {9, {85, 80, -25}, {140, -80, 25}, {100, 0, 0}, 25, 0},
+    {1, {30, -35, -25}, {0, 0, 0}, {0, 0, 15}, 25},
+    {2, {30, -55, -25}, {0, 0, 0}, {0, 0, 30}, 25},
+    {3, {30, 0, -25}, {0, 0, 0}, {100, 0, 0}, 25},
+    {4, {85, 20, -25}, {0, 0, 25}, {100, 0, 0}, 25},
+    {5, {85, 40, -25}, {0, 0, 25}, {100, 0, 0}, 25},
+    {6, {85, 40, -25}, {0, 0, 25}, {100, 0, 0}, 25},
+    {7, {85, 40, -25}, {100, 0, 25}, {100, 0, 0}, 25},
+    {8, {85, 80, -25}, {180, 0, 25}, {100, 0, 0}, 25},
+    {9, {85, 80, -25}, {140, -80, 25}, {100, 0, 0}, 25},
 };
 constexpr int kGotosideSpread = 8;
 constexpr int kGotosideLast = 9;
 
 // The torso of these leans the same way for both feet.
 constexpr PoseFrame kSideKickPoses[] = {
-    {1, {-10, -35, -20}, {0, 0, 0}, {0, 60, 30}, 100, 2},
-    {2, {-10, -40, -20}, {0, 0, 0}, {0, 0, 0}, 100, 0},
+    {1, {-10, -35, -20}, {0, 0, 0}, {0, 60, 30}, 100},
+    {2, {-10, -40, -20}, {0, 0, 0}, {0, 0, 0}, 100},
 };
 constexpr int kSideKickLast = 2;
 
@@ -312,58 +343,53 @@ bool Kick::unstable() {
   otherside = !side;
   const int s = side ? 1 : -1;
   ++counter;
-  const auto enter = [this](int frame) {
-    stableState = frame;
+  const auto enterNext = [&] {
+    stableState = nextOfUnstable(stableState, km, k);
     counter = 0;
   };
 
   if (const PoseFrame* pose = findPose(kUnstablePoses, stableState)) {
-    if (runMirroredPose(*this, *pose, s)) enter(pose->next);
+    if (runMirroredPose(*this, *pose, s)) enterNext();
     return false;
   }
   if (const StrikeFrame* strike = findStrike(stableState)) {
     if (runStrike(*this, *strike, s)) {
       std::cout << kRightEndMark << std::endl;
-      enter(strike->next);
+      enterNext();
     }
     return false;
   }
   switch (stableState) {
     case 0:
-      agent->reset->execute(0, 10, 5);
-      enter(100);
+      agent->reset->execute(Reset::kFixedStance);
+      enterNext();
       return false;
     case 100:
-      if (agent->setAll(0, 5, 3)) enter(1);
+      if (agent->setAll(0, 5, 3)) enterNext();
       return false;
     case 6:
-      if (agent->setLeg(4, side, -132, 30, 2)) enter(7);
+      if (agent->setLeg(4, side, -132, 30, 2)) enterNext();
       return false;
     case 7:
-      if (agent->setLeg(3, side, -25, 40, 2) && agent->setLeg(5, side, -40, 40, 2)) {
-        if (km == CLOSE_X) enter(8);
-        if (km == MEDIUM_X) enter(11);
-        if (km == DISTANT_X) enter(14);
-      }
+      if (agent->setLeg(3, side, -25, 40, 2) && agent->setLeg(5, side, -40, 40, 2)) enterNext();
       return false;
     case 8:
-      if (agent->setLeg(3, otherside, 30, 90, 2)) enter(k == CLOSE_Y ? 9 : 10);
+      if (agent->setLeg(3, otherside, 30, 90, 2)) enterNext();
       return false;
     case 11:
-      if (agent->setLeg(3, otherside, 40, 10, 2)) enter(k == CLOSE_Y ? 12 : 13);
+      if (agent->setLeg(3, otherside, 40, 10, 2)) enterNext();
       return false;
     case 14:
-      enter(k == CLOSE_Y ? 15 : 16);
+      enterNext();
       return false;
-    case kUnstableEnd:
-      agent->reset->execute(0, 10, 5);
-      enter(0);
+    case 17:
+      agent->reset->execute(Reset::kFixedStance);
+      enterNext();
       return true;
     case 200:
-      if (counter > 100) enter(0);
+      if (counter > 100) enterNext();
       return false;
     default:
-      // Among them kEndlessUnstable: a kick that never ends, kept on purpose.
       return false;
   }
 }
@@ -372,7 +398,7 @@ bool Kick::unstable1() {
   if (const PoseFrame* pose = findPose(kUnstable1Poses, unStableState1)) {
     Vector lean = pose->torso.vector();
     if (pose->frame == 3 && robotType() == kLongReachType) lean.setX(kLongReachTorsoX);
-    if (runPose(*this, *pose, lean, &BasicAgent::solveIkLeg1)) unStableState1 = pose->next;
+    if (runPose(*this, *pose, lean, &BasicAgent::solveIkLeg1)) ++unStableState1;
     return false;
   }
   // The single joints name the right and the left leg, whatever `side` says.
@@ -396,7 +422,7 @@ bool Kick::unstable1() {
       if (runUnstable1Strike(*this)) unStableState1 = kEndlessUnstable1;
       return false;
     case 8:
-      agent->reset->execute(0, 10, 5);
+      agent->reset->execute(Reset::kFixedStance);
       unStableState1 = 1;
       return true;
     default:
@@ -415,7 +441,7 @@ bool Kick::gotoside() {
   }
   if (!arrived) return false;
   const bool ended = gtside == kGotosideLast;
-  gtside = ended ? 1 : pose->next;
+  gtside = ended ? 1 : gtside + 1;
   return ended;
 }
 
@@ -424,7 +450,7 @@ bool Kick::sideKick() {
   const PoseFrame* pose = findPose(kSideKickPoses, sideState);
   if (!pose || !runPose(*this, *pose, pose->torso.vector(), &BasicAgent::solveIkLeg)) return false;
   if (sideState != kSideKickLast) {
-    sideState = pose->next;
+    ++sideState;
     return false;
   }
   std::cout << (side == kLeft ? kLeftEndMark : kRightEndMark) << std::endl;

@@ -4,17 +4,14 @@
 
 #include "Agent/Agent.h"
 #include "BasicAction/Stepping.h"
+#include "Utilities/Converter.h"
 #include "Utilities/Logger.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
 
-constexpr stepping::Table kStraight = {.file = "sideWalk", .group = "sidewalk", .stride = "Yankle"};
-
 constexpr stepping::Table kTurning = {
     .file = "omniSideWalk", .group = "omnisidewalk", .stride = "Yankle"};
-
-constexpr int kFixedStance = 0;
 
 /// Within this ground distance of the target, metres, the gait stops turning: `error` becomes this
 /// many degrees, until the next request.
@@ -43,9 +40,9 @@ bool OmniSideWalk::execute() {
   angle = agent->WM->getAngleTo(v);
   myself_pos = agent->WM->getAgentPosition();
   if (myself_pos.getDistanceOnGround(v) < kArrived) error = kArrivedError;
-  stepping::readTorso(kStraight, Xtorso, Ytorso, Ztorso);
-  sp = sp1 = stepping::integerPart(stepping::readSpeed(kStraight));
-  stepping::readAnkles(kStraight, Yankle, Zankle);
+  stepping::readTorso(stepping::kSideWalk, Xtorso, Ytorso, Ztorso);
+  sp = sp1 = integerPart(stepping::readSpeed(stepping::kSideWalk));
+  stepping::readAnkles(stepping::kSideWalk, Yankle, Zankle);
   return basicWalk(v, error);
 }
 
@@ -65,7 +62,7 @@ bool OmniSideWalk::basicWalk(Vector, double turnError) {
   logger["Agent"] << " rotSide : " << rotSide << std::endl;
 
   // The opening step keeps what execute has read.
-  stepping::runPhase(*this, basicWalkState, OWalk, kFixedStance, Gain, Gain, [&] {
+  stepping::runPhase(*this, basicWalkState, OWalk, Reset::kFixedStance, Gain, Gain, [&] {
     if (basicWalkState != stepping::kFirstStep) stepping::readAnkles(kTurning, Yankle, Zankle);
   });
 
@@ -76,33 +73,20 @@ bool OmniSideWalk::basicWalk(Vector, double turnError) {
       stepping::readAnkles(kTurning, Yankle, Zankle);
     } else {
       for (double& yaw : RotZ) yaw = 0;
-      stepping::readAnkles(kStraight, Yankle, Zankle);
+      stepping::readAnkles(stepping::kSideWalk, Yankle, Zankle);
     }
     return false;
   });
 }
 
 bool OmniSideWalk::step(float stepGain, bool swing) {
-  stepping::moveFoot(swing, stepGain * Yankle[state], ry, ly, sy, oy);
-  d = stepping::shiftSign(swing);
-  z += Zankle[state];
-  rotate += RotZ[state];
-
-  ankle[swing] = Vector(0, sy, z);
-  ankle[!swing] = Vector(0, oy, 0);
-  torso = Vector(Xtorso, (sy + oy) * 0.5 + d * Ytorso, Ztorso);
-
-  double yaw[2] = {0, 0};
-  yaw[rotSide] = rotate;
-  stepping::solveLegs(IK, swing, torso, ankle, yaw, theta);
+  const stepping::Track track = stepping::alongY(*this);
+  stepping::solvePhase(*this, track, stepGain, swing);
   logger["Agent"] << "side : " << swing << std::endl;
   logger["Agent"] << "   rotside : " << rotSide << std::endl;
   logger["Agent"] << "theta[1] side : " << theta[0][1] << std::endl;
   logger["Agent"] << "theta[1] otherside : " << theta[1][1] << std::endl;
-  stepping::commandLegs(swing, theta, sp);
-
-  if (!stepping::endPhase(state, z, sy, oy)) return false;
-  sideEnd = swing;
+  if (!stepping::commandPhase(*this, track, swing)) return false;
   lastSide = swing;
   return true;
 }

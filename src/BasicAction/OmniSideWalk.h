@@ -12,8 +12,9 @@
 /// the target lies; a pair turns by the target's angle from abeam. All steps have full length, and
 /// there is no ramp. Frame and units as in OmniWalk.
 ///
-/// Reads: the configuration files sideWalk and omniSideWalk, on every call; own position and
-/// heading in the world model. Provides: targets of both legs.
+/// Reads: the configuration file sideWalk, on every call, and omniSideWalk at the decision for a
+/// turning pair and in the first phase of an unwinding step; own position and heading in the world
+/// model. Provides: targets of both legs.
 class OmniSideWalk : public BasicAction {
  public:
   /// One cycle of the gait; true as in OmniWalk. Within a metre of the target it stops turning but
@@ -26,7 +27,7 @@ class OmniSideWalk : public BasicAction {
   /// One phase of one step of the leg `side`; true when it ended the step.
   bool step(float Gain, bool side);
 
-  /// The gait begins anew. RotZ and `a` stay as they are, as in OmniWalk.
+  /// The gait begins anew, but for RotZ and `a`, as in OmniWalk.
   void resetVars();
 
   double RotZ[4] = {};          ///< Yaw increments of the current step, degrees.

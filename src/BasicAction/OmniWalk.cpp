@@ -4,6 +4,7 @@
 
 #include "Agent/Agent.h"
 #include "BasicAction/Stepping.h"
+#include "Utilities/Converter.h"
 #include "Utilities/Logger.h"
 #include "WorldModel/WorldModel.h"
 
@@ -33,12 +34,6 @@ constexpr const stepping::Table& tableOf(int actionType) {
                                      : kOtherTable;
 }
 
-/// Where the straight pair's lift comes from; execute reads the gait's own again before the step.
-constexpr stepping::Table kStraight = {
-    .file = "forWalk", .group = "forwalk", .stride = "Xankle", .liftFactor = 50};
-
-constexpr int kNeutralStance = 1;
-
 }  // namespace
 
 bool OmniWalk::execute() {
@@ -49,11 +44,11 @@ bool OmniWalk::execute() {
   const stepping::Table& numbers = tableOf(actionType);
   stepping::readTorso(numbers, Xtorso, Ytorso, Ztorso);
   if (actionType == kNormal) Xtorso *= 0.7;
-  sp = stepping::integerPart(stepping::readSpeed(numbers));
+  sp = integerPart(stepping::readSpeed(numbers));
   rot = actionType == kLongStride ? kLongStrideYaw : 0;
   logger["Agent"] << "p omniWalk khar ~!!!! : " << p << std::endl;
   stepping::readAnkles(numbers, Xankle, Zankle);
-  sp = sp1 = stepping::integerPart(sp * p);
+  sp = sp1 = integerPart(sp * p);
 
   const bool mayLeave = basicWalk(v, error);
   if (mayLeave) p = speed > p ? p + 0.1 : speed;
@@ -69,7 +64,7 @@ bool OmniWalk::basicWalk(Vector target, double turnError) {
   const stepping::Table& numbers = tableOf(actionType);
   const auto loadSteps = [&] { stepping::readAnkles(numbers, Xankle, Zankle); };
   angle = std::fabs(agent->WM->getAngleTo(target));
-  stepping::runPhase(*this, basicWalkState, OWalk, kNeutralStance, 0.5f, 1, loadSteps);
+  stepping::runPhase(*this, basicWalkState, OWalk, Reset::kNeutralStance, 0.5f, 1, loadSteps);
 
   angle = agent->WM->getAngleTo(target);
   if (OWalk) {
@@ -91,42 +86,23 @@ bool OmniWalk::basicWalk(Vector target, double turnError) {
       for (double& yaw : RotZ) yaw = 0;
       double unused[stepping::kPhases];
       loadSteps();
-      stepping::readAnkles(kStraight, unused, Zankle);
+      // Of no effect: execute reads the gait's own lift again before the step.
+      stepping::readAnkles(stepping::kForWalk, unused, Zankle);
     }
     return false;
   });
 }
 
 bool OmniWalk::step(float stepGain, bool swing) {
-  stepping::moveFoot(swing, stepGain * Xankle[state], rx, lx, sx, ox);
-  d = stepping::shiftSign(swing);
-  z += Zankle[state];
-  rotate += RotZ[state];
-
-  ankle[swing] = Vector(sx, 0, z);
-  ankle[!swing] = Vector(ox, 0, 0);
-  torso = Vector((sx + ox) * 0.5 + Xtorso, d * Ytorso, Ztorso);
-
-  double yaw[2] = {rot, rot};
-  yaw[rotSide] = rotate + rot;
-  stepping::solveLegs(IK, swing, torso, ankle, yaw, theta);
+  const stepping::Track track = stepping::alongX(*this);
+  stepping::solvePhase(*this, track, stepGain, swing, rot);
   logger["Agent"] << "speed : " << sp << std::endl;
-  stepping::commandLegs(swing, theta, sp);
-
-  if (!stepping::endPhase(state, z, sx, ox)) return false;
-  sideEnd = swing;
+  if (!stepping::commandPhase(*this, track, swing)) return false;
   lastSide = swing;
   return true;
 }
 
 void OmniWalk::resetVars() {
-  basicWalkState = stepping::kStance;
-  state = 0;
-  side = otherside = OWalk = rotSide = rotOtherSide = false;
-  _othersideOmni = _sideOmni = sideEnd = false;
-  rx = lx = rotate = 0;
-  Xtorso = Ytorso = Ztorso = 0;
-  t = sx = ox = z = angle = endStepVal = dist = 0;
-  sp = 0;
+  resetSteps();
   p = 0.1;
 }

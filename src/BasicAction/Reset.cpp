@@ -7,19 +7,16 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 // The hip target of a stance, millimetres. The keys are those of the gaits; the factors are not.
 Vector stance(int state) {
   const auto forWalk = [](const char* key) { return config["forWalk"]["forwalk"][key].asFloat(); };
   switch (state) {
-    case 1:
+    case Reset::kNeutralStance:
       return Vector(forWalk("Xtorso") * 80, forWalk("Ytorso") * -10, forWalk("Ztorso") * -70);
-    case 2:
+    case Reset::kBackStance:
       return Vector(config["backWalk"]["backwalk"]["Xtorso"].asFloat() * 60, 0,
                     forWalk("Ztorso") * -70);
-    case 3:
+    case Reset::kForwardStance:
       return Vector(forWalk("Xtorso") * 100, forWalk("Ytorso") * -10, forWalk("Ztorso") * -70);
     default:
       return Vector(50, 0, -60);

@@ -15,11 +15,17 @@
 // both arms and both legs (the head is left alone).
 class Reset : public BasicAction {
  public:
+  enum Stance {
+    kFixedStance = 0,    // (50, 0, -60) mm, whatever the configuration says
+    kNeutralStance = 1,  // between the gaits
+    kBackStance = 2,     // of the back gait
+    kForwardStance = 3,  // of the forward gait
+  };
+
   // Stores the request and returns itself for Actions::ChangeAction; nothing moves.
-  // `state` picks the stance: 1 the neutral stance of the gaits, 2 that of the back gait, 3 that
-  // of the forward gait, anything else the fixed stance (50, 0, -60) mm. `speed` (percent of the
-  // remaining angle per cycle) drives leg joints 1 and 6, `sp` all the others.
-  Reset* execute(int state, int speed, int sp);
+  // `state` is a Stance; any other number gives the fixed one. `speed` (percent of the remaining
+  // angle per cycle) drives leg joints 1 and 6, `sp` all the others.
+  Reset* execute(int state, int speed = 10, int sp = 5);
 
   // One cycle towards the stance. Every joint is commanded in every call; true when all of them
   // stand within their tolerance (arms 5 degrees, legs 3).

@@ -1,31 +1,23 @@
 #include "BasicAction/SideWalk.h"
 
 #include "BasicAction/Stepping.h"
+#include "Utilities/Converter.h"
 #include "Utilities/Logger.h"
 
-namespace {
-
-constexpr stepping::Table kSideWalk = {.file = "sideWalk", .group = "sidewalk", .stride = "Yankle"};
-
-constexpr int kFixedStance = 0;
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
-}  // namespace
-
 bool SideWalk::execute() {
-  sp = stepping::integerPart(stepping::readSpeed(kSideWalk));
-  stepping::readTorso(kSideWalk, Xtorso, Ytorso, Ztorso);
-  stepping::readAnkles(kSideWalk, Yankle, Zankle);
+  sp = integerPart(stepping::readSpeed(stepping::kSideWalk));
+  stepping::readTorso(stepping::kSideWalk, Xtorso, Ytorso, Ztorso);
+  stepping::readAnkles(stepping::kSideWalk, Yankle, Zankle);
   return basicWalk(gain);
 }
 
 bool SideWalk::basicWalk(float sideGain) {
-  enum { kStance, kLeftStep, kRightStep };
+  enum { kTakeStance, kLeftStep, kRightStep };
   switch (basicWalkState) {
-    case kStance:
-      if (stepping::reachStance(kFixedStance))
+    case kTakeStance:
+      if (stepping::reachStance(Reset::kFixedStance)) {
         basicWalkState = sideGain > 0 ? kLeftStep : kRightStep;
+      }
       return false;
     case kLeftStep:
       if (!step(sideGain, kLeft)) return false;

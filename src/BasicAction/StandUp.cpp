@@ -5,9 +5,6 @@
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 // The timed steps of the front sequence last at least this many cycles: the body needs the time to
 // roll over its arms, and later on to its feet, whatever the joints report.
 constexpr int kTimedStepCycles = 36;
@@ -65,7 +62,7 @@ bool StandUp::init_front() {
       if (agent->setBothLeg(3, 45, 10, 5)) standUpFState = 4;
       return false;
     case 4:
-      if (!agent->reset->execute(0, 10, 5)->init()) return false;
+      if (!agent->reset->execute(Reset::kFixedStance)->init()) return false;
       standUpFState = 0;
       return true;
     default:
@@ -99,7 +96,7 @@ bool StandUp::init_back() {
       arrived &= agent->setLeg(1, kLeft, -90, 30, 6);
       break;
     case 5:
-      if (!agent->reset->execute(0, 4, 4)->init()) return false;
+      if (!agent->reset->execute(Reset::kFixedStance, 4, 4)->init()) return false;
       standUpBState = 0;
       inAction = AT_NONE;
       return true;

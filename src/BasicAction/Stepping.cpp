@@ -1,11 +1,9 @@
 #include "BasicAction/Stepping.h"
 
 #include <cassert>
-#include <limits>
 
 #include "Agent/Agent.h"
 #include "BasicAction/BasicAction.h"
-#include "BasicAction/Reset.h"
 #include "Utilities/Config.h"
 
 namespace stepping {
@@ -46,15 +44,9 @@ void readYaw(const Table& table, double (&RotZ)[kPhases]) {
   readPhases(groupOf(table), "RotZ", 1, RotZ);
 }
 
-int integerPart(double value) {
-  using Limits = std::numeric_limits<int>;
-  const bool fits = value > Limits::min() - 1.0 && value < Limits::max() + 1.0;
-  return fits ? static_cast<int>(value) : Limits::min();
-}
-
-bool reachStance(int state) {
+bool reachStance(Reset::Stance stance) {
   Reset& reset = *BasicAction::agent->reset;
-  reset.execute(state, 10, 5);
+  reset.execute(stance);
   return reset.init();
 }
 

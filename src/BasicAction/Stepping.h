@@ -1,6 +1,7 @@
 #ifndef QUOLNARIS_BASICACTION_STEPPING_H_
 #define QUOLNARIS_BASICACTION_STEPPING_H_
 
+#include "BasicAction/Reset.h"
 #include "Kinematics/InverseKinematic.h"
 #include "Mathematics/Vector.h"
 
@@ -35,6 +36,23 @@ struct Table {
   float liftFactor = 1;
 };
 
+/// The plain gaits, whose numbers the omni gaits take for their straight steps.
+inline constexpr Table kForWalk = {.file = "forWalk",
+                                   .group = "forwalk",
+                                   .stride = "Xankle",
+                                   .torso = {60, -10, -70},
+                                   .speed = {70, 30},
+                                   .strideFactor = 80,
+                                   .liftFactor = 50};
+inline constexpr Table kBackWalk = {.file = "backWalk",
+                                    .group = "backwalk",
+                                    .stride = "Xankle",
+                                    .torso = {60, -10, -70},
+                                    .speed = {60, 40},
+                                    .strideFactor = 90,
+                                    .liftFactor = 50};
+inline constexpr Table kSideWalk = {.file = "sideWalk", .group = "sidewalk", .stride = "Yankle"};
+
 /// The torso offsets `Xtorso`, `Ytorso`, `Ztorso`, mm.
 void readTorso(const Table& table, double& x, double& y, double& z);
 
@@ -47,12 +65,8 @@ void readAnkles(const Table& table, double (&stride)[kPhases], double (&lift)[kP
 /// The yaw increments `RotZ` per phase, degrees; they carry no factor.
 void readYaw(const Table& table, double (&RotZ)[kPhases]);
 
-/// The whole-number part. A value that no int can hold, which only a senseless configuration or
-/// request leads to, gives the lowest int.
-int integerPart(double value);
-
-/// One cycle towards the stance `state` of Reset, at the gaits' speeds; true when it is reached.
-bool reachStance(int state);
+/// One cycle towards a stance; true when it is reached.
+bool reachStance(Reset::Stance stance);
 
 /// Moves the foot of the leg `side` along the walking axis. `right` and `left` are the accumulated
 /// places of the feet, mm; only their distance reaches the joints, so they may grow without bound.
@@ -88,15 +102,15 @@ void solveLegs(InverseKinematic& solver, bool side, Vector torso, const Vector (
 /// ever reports arrival: the gait moves on in the next cycle all the same.
 void commandLegs(bool side, const double (&theta)[2][7], float speed);
 
-/// The sequencer of the plain gaits forward and back, one phase per call: the stance of Reset
-/// `stance`, a half step of the leg `first`, then whole steps of the other leg and of `first` in
-/// turn, for as long as it is called. True in the call that ended a step.
+/// The sequencer of the plain gaits forward and back, one phase per call: the stance, a half step
+/// of the leg `first`, then whole steps of the other leg and of `first` in turn, for as long as it
+/// is called. True in the call that ended a step.
 template <class Gait>
-bool alternateSteps(Gait& gait, int stance, float gain, bool first) {
-  enum { kStance, kHalfStep, kOtherStep, kFirstStep };
+bool alternateSteps(Gait& gait, Reset::Stance stance, float gain, bool first) {
+  enum { kTakeStance, kHalfStep, kOtherStep, kFirstStep };
   int& sequence = gait.basicWalkState;
   switch (sequence) {
-    case kStance:
+    case kTakeStance:
       if (reachStance(stance)) sequence = kHalfStep;
       return false;
     case kHalfStep:
@@ -114,6 +128,66 @@ bool alternateSteps(Gait& gait, int stance, float gain, bool first) {
     default:
       return false;
   }
+}
+
+/// The variables of an action that steps in pairs along its walking axis, under the names that the
+/// action gives them: the increments per phase, and the places of the feet, mm.
+struct Track {
+  enum Axis { kX, kY };
+  Axis axis;
+  const double (&increments)[kPhases];
+  double& right;
+  double& left;
+  double& swing;
+  double& standing;
+};
+
+template <class Action>
+Track alongX(Action& action) {
+  return {Track::kX, action.Xankle, action.rx, action.lx, action.sx, action.ox};
+}
+
+template <class Action>
+Track alongY(Action& action) {
+  return {Track::kY, action.Yankle, action.ry, action.ly, action.sy, action.oy};
+}
+
+/// The first half of a phase of an action that steps in pairs: moves the foot of the leg `leg` by
+/// `gain` times the increment, yaws the rotating leg, places the torso between the feet, and solves
+/// both legs. `fixedYaw` turns both legs, degrees.
+template <class Action>
+void solvePhase(Action& action, const Track& track, float gain, bool leg, double fixedYaw = 0) {
+  moveFoot(leg, gain * track.increments[action.state], track.right, track.left, track.swing,
+           track.standing);
+  action.d = shiftSign(leg);
+  action.z += action.Zankle[action.state];
+  action.rotate += action.RotZ[action.state];
+
+  const double middle = (track.swing + track.standing) * 0.5;
+  const double shift = action.d * action.Ytorso;
+  if (track.axis == Track::kX) {
+    action.ankle[leg] = Vector(track.swing, 0, action.z);
+    action.ankle[!leg] = Vector(track.standing, 0, 0);
+    action.torso = Vector(middle + action.Xtorso, shift, action.Ztorso);
+  } else {
+    action.ankle[leg] = Vector(0, track.swing, action.z);
+    action.ankle[!leg] = Vector(0, track.standing, 0);
+    action.torso = Vector(action.Xtorso, middle + shift, action.Ztorso);
+  }
+
+  double yaw[2] = {fixedYaw, fixedYaw};
+  yaw[action.rotSide] = action.rotate + fixedYaw;
+  solveLegs(action.IK, leg, action.torso, action.ankle, yaw, action.theta);
+}
+
+/// The second half: sends both legs towards the solved angles and passes to the next phase; true
+/// when the step has ended.
+template <class Action>
+bool commandPhase(Action& action, const Track& track, bool leg) {
+  commandLegs(leg, action.theta, action.sp);
+  if (!endPhase(action.state, action.z, track.swing, track.standing)) return false;
+  action.sideEnd = leg;
+  return true;
 }
 
 /// States of the sequencer of the actions that step in pairs: one leg, the rotating leg, yaws
@@ -150,8 +224,8 @@ bool unwind(Action& action, int& done, float gain, bool side, bool& unwound, Loa
 /// opening step and all others; `loadSteps` reads the ankle increments of the opening step and of
 /// the first phase of an unwinding step; `unwound` is set when an unwinding step has ended.
 template <class Action, class LoadSteps>
-void runPhase(Action& action, int& sequence, bool& unwound, int stance, float firstGain, float gain,
-              LoadSteps loadSteps) {
+void runPhase(Action& action, int& sequence, bool& unwound, Reset::Stance stance, float firstGain,
+              float gain, LoadSteps loadSteps) {
   switch (sequence) {
     case kStance:
       if (reachStance(stance)) sequence = kFirstStep;
@@ -165,15 +239,17 @@ void runPhase(Action& action, int& sequence, bool& unwound, int stance, float fi
       if (action.step(gain, action.side)) sequence = kChooseOtherside;
       break;
     case kUnwindSide:
-      if (unwind(action, action.a[0], gain, action.side, unwound, loadSteps))
+      if (unwind(action, action.a[0], gain, action.side, unwound, loadSteps)) {
         sequence = kChooseOtherside;
+      }
       break;
     case kTurnOtherside:
       if (action.step(gain, action.otherside)) sequence = kChooseSide;
       break;
     case kUnwindOtherside:
-      if (unwind(action, action.a[1], gain, action.otherside, unwound, loadSteps))
+      if (unwind(action, action.a[1], gain, action.otherside, unwound, loadSteps)) {
         sequence = kChooseSide;
+      }
       break;
     default:
       break;

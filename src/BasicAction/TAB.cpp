@@ -4,14 +4,13 @@
 
 #include "Agent/Agent.h"
 #include "BasicAction/Stepping.h"
+#include "Utilities/Converter.h"
 #include "Utilities/Logger.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
 
 constexpr stepping::Table kTAB = {.file = "TAB", .group = "TAB", .stride = "Yankle"};
-
-constexpr int kFixedStance = 0;
 
 }  // namespace
 
@@ -36,7 +35,7 @@ bool TAB::execute() {
     side = rotSide = angle > 0;
     otherside = rotOtherSide = !side;
   }
-  sp = stepping::integerPart(stepping::readSpeed(kTAB));
+  sp = integerPart(stepping::readSpeed(kTAB));
   stepping::readTorso(kTAB, Xtorso, Ytorso, Ztorso);
   sp1 = sp;
   stepping::readAnkles(kTAB, Yankle, Zankle);
@@ -56,7 +55,7 @@ bool TAB::basicWalk(Vector target, double turnError) {
   const auto loadSteps = [&] { stepping::readAnkles(kTAB, Yankle, Zankle); };
 
   logAngle();
-  stepping::runPhase(*this, basicWalkState, OWalk, kFixedStance, Gain, Gain, loadSteps);
+  stepping::runPhase(*this, basicWalkState, OWalk, Reset::kFixedStance, Gain, Gain, loadSteps);
   logAngle();
   return stepping::chooseStep(*this, basicWalkState, false, [&] {
     if (angle < turnError) return true;
@@ -67,23 +66,9 @@ bool TAB::basicWalk(Vector target, double turnError) {
 }
 
 bool TAB::step(float stepGain, bool swing) {
-  stepping::moveFoot(swing, stepGain * Yankle[state], ry, ly, sy, oy);
-  d = stepping::shiftSign(swing);
-  z += Zankle[state];
-  rotate += RotZ[state];
-
-  ankle[swing] = Vector(0, sy, z);
-  ankle[!swing] = Vector(0, oy, 0);
-  torso = Vector(Xtorso, (sy + oy) * 0.5 + d * Ytorso, Ztorso);
-
-  double yaw[2] = {0, 0};
-  yaw[rotSide] = rotate;
-  stepping::solveLegs(IK, swing, torso, ankle, yaw, theta);
-  stepping::commandLegs(swing, theta, sp);
-
-  if (!stepping::endPhase(state, z, sy, oy)) return false;
-  sideEnd = swing;
-  return true;
+  const stepping::Track track = stepping::alongY(*this);
+  stepping::solvePhase(*this, track, stepGain, swing);
+  return stepping::commandPhase(*this, track, swing);
 }
 
 void TAB::resetVars() {

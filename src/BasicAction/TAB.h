@@ -72,11 +72,11 @@ class TAB : public BasicAction {
   Vector ankle[2] = {};         ///< Ankle targets by side, mm.
   Vector myself_pos{0, 0, 0};   ///< The player's position, metres, pitch frame.
   InverseKinematic IK;
-  int count = 0;              ///< Never raised.
-  int Gain = 1;               ///< Direction of the sidestep, +1 or -1.
-  Vector vec{0, 0, 0};        ///< The point whose bearing is to be closed, metres, pitch frame.
-  double Error = 0;           ///< Bearing below which the action is done, degrees.
-  ActionType type = AT_NONE;  ///< AT_TURN_AROUND_BALL from the first request on.
+  int count = 0;        ///< Never raised.
+  int Gain = 1;         ///< Direction of the sidestep, +1 or -1.
+  Vector vec{0, 0, 0};  ///< The point whose bearing is to be closed, metres, pitch frame.
+  double Error = 0;     ///< Bearing below which the action is done, degrees.
+  ActionType type = AT_TURN_AROUND_BALL;
 };
 
 #endif  // QUOLNARIS_BASICACTION_TAB_H_

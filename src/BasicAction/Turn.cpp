@@ -5,13 +5,12 @@
 #include "Agent/Agent.h"
 #include "BasicAction/Stepping.h"
 #include "Mathematics/Degree.h"
+#include "Utilities/Converter.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
 
 constexpr stepping::Table kTurn = {.file = "Turn", .group = "turn", .stride = "Yankle"};
-
-constexpr int kFixedStance = 0;
 
 /// The first step of a turn runs at this part of the configured joint speed, every later one at
 /// kLaterSpeed times that.
@@ -40,9 +39,9 @@ bool Turn::execute() {
   otherside = !side;
   Gain = side ? 1 : 0;
 
-  sp = stepping::integerPart(stepping::readSpeed(kTurn));
+  sp = integerPart(stepping::readSpeed(kTurn));
   stepping::readTorso(kTurn, Xtorso, Ytorso, Ztorso);
-  sp = sp1 = stepping::integerPart(sp * kFirstSpeed);
+  sp = sp1 = integerPart(sp * kFirstSpeed);
   Gain = Gain * kSidePart;
   stepping::readAnkles(kTurn, Yankle, Zankle);
 
@@ -64,7 +63,7 @@ bool Turn::basicTurn(Vector target, double turnError) {
   angle = std::fabs(angle);
 
   const auto loadSteps = [&] { stepping::readAnkles(kTurn, Yankle, Zankle); };
-  stepping::runPhase(*this, basicTurnState, OTurn, kFixedStance, Gain, Gain, loadSteps);
+  stepping::runPhase(*this, basicTurnState, OTurn, Reset::kFixedStance, Gain, Gain, loadSteps);
 
   return stepping::chooseStep(*this, basicTurnState, false, [&] {
     const bool done = angle < turnError;
@@ -80,24 +79,11 @@ bool Turn::basicTurn(Vector target, double turnError) {
 
 bool Turn::step(float stepGain, bool swing) {
   // In double: endStep, which reads no speed, raises the same one again in every call.
-  if (count > 0) sp = stepping::integerPart(sp * kLaterSpeed);
-  stepping::moveFoot(swing, stepGain * Yankle[state], ry, ly, sy, oy);
-  d = stepping::shiftSign(swing);
-  z += Zankle[state];
-  rotate += RotZ[state];
-
-  ankle[swing] = Vector(0, sy, z);
-  ankle[!swing] = Vector(0, oy, 0);
-  torso = Vector(Xtorso, (sy + oy) * 0.5 + d * Ytorso, Ztorso);
-
-  double yaw[2] = {0, 0};
-  yaw[rotSide] = rotate;
-  stepping::solveLegs(IK, swing, torso, ankle, yaw, theta);
-  stepping::commandLegs(swing, theta, sp);
-
-  if (!stepping::endPhase(state, z, sy, oy)) return false;
+  if (count > 0) sp = integerPart(sp * kLaterSpeed);
+  const stepping::Track track = stepping::alongY(*this);
+  stepping::solvePhase(*this, track, stepGain, swing);
+  if (!stepping::commandPhase(*this, track, swing)) return false;
   count += 1;
-  sideEnd = swing;
   return true;
 }
 

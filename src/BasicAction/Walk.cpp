@@ -6,7 +6,7 @@
 #include "BasicAction/OmniSideWalk.h"
 #include "BasicAction/OmniWalk.h"
 #include "BasicAction/SideWalk.h"
-#include "BasicAction/Stepping.h"
+#include "Utilities/Converter.h"
 
 Walk::Walk() {
   _forWalk = new ForWalk;
@@ -34,7 +34,7 @@ Walk* Walk::forWalk(float gain, float speed, bool side, bool start) {
   type = AT_FORWALK;
   _forWalk->gain = gain;
   _forWalk->side = side;
-  _forWalk->sp = stepping::integerPart(speed);
+  _forWalk->sp = integerPart(speed);
   return this;
 }
 

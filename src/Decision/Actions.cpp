@@ -18,10 +18,54 @@
 
 namespace {
 
-// Tells the outermost ChangeAction, across the recursion through decideChangeAction, whether the
-// reply of the inner call may be passed on. A gait, turn, kick or turn around the ball sets it;
-// a reset, dive or stand-up leaves it.
-bool dchange = false;
+// The gaits, as the arbiter tells them apart.
+struct Gait {
+  ActionType type;
+  bool (Walk::*run)();
+  // Its legs stand in a gait stance. The side gaits bring their own feet together.
+  bool needsEndStep;
+  // Once it may be left, an end step leaves AT_NONE behind, so that a later request of the same
+  // gait counts as different and starts it from its first step.
+  bool startsAfresh;
+  // Sets the gait's parameters to those that Walk remembers.
+  void (*repeat)(Walk& walk);
+};
+
+void repeatSideWalk(Walk& walk) {
+  walk.sideWalk(walk.preSideGain);
+}
+
+// The two omni gaits that do not go forward are repeated towards the last target of the one that
+// does: they remember theirs in prePos, which nothing reads. Must stay: a repeated gait only has to
+// end its pair of steps, and where these lead decides where the next action starts.
+constexpr Gait kGaits[] = {
+    {AT_FORWALK, &Walk::forWalk, true, false,
+     [](Walk& walk) {
+       walk.forWalk(walk.preForGain, walk.prespeedF, walk.preSide, walk.preStart);
+     }},
+    {AT_BACKWALK, &Walk::backWalk, true, false,
+     [](Walk& walk) { walk.backWalk(walk.preBackGain, walk.prespeedB); }},
+    {AT_SIDEWALK_RIGHT, &Walk::sideWalk, false, false, repeatSideWalk},
+    {AT_SIDEWALK_LEFT, &Walk::sideWalk, false, false, repeatSideWalk},
+    {AT_OMNIWALK, &Walk::omniWalk, true, true,
+     [](Walk& walk) { walk.omniWalk(walk.prePosition, walk.prespeedOW, walk.preError, 0); }},
+    // Speed and error in this order, the reverse of the setter's: a repeated back gait takes its
+    // speed for its error and its error for its speed. Must stay: the speed ends the gait's ramp,
+    // so that the swap sets how hard the last steps before a change of action are driven.
+    {AT_OMNIBACKWALK, &Walk::omniBackWalk, true, true,
+     [](Walk& walk) {
+       walk.omniBackWalk(walk.prePosition, walk.prespeedOB, static_cast<float>(walk.preError));
+     }},
+    {AT_OMNISIDEWALK, &Walk::omniSideWalk, false, true,
+     [](Walk& walk) { walk.omniSideWalk(walk.prePosition, static_cast<float>(walk.preError)); }},
+};
+
+const Gait* gaitOf(ActionType type) {
+  for (const Gait& gait : kGaits) {
+    if (gait.type == type) return &gait;
+  }
+  return nullptr;
+}
 
 // All gaits start afresh.
 void resetGaits(Walk* walk) {
@@ -46,175 +90,89 @@ void clearAfterEndStep(OmniGait* gait) {
 
 }  // namespace
 
+// Where requests differ. A gait flows on from step to step; all others begin and go on from the
+// neutral stance. In a cycle in which the request is not served, gaits and turns pass on the result
+// of a running action that steps or kicks, kicks and turns around the ball nothing, and what moves
+// the whole body any result.
+enum class Actions::Kind { kGait, kTurn, kKick, kWholeBody };
+
 Agent* Actions::agent = nullptr;
 
-bool Actions::ChangeAction(Turn* turn) {
-  const ActionType requested = turn->type;
+template <typename Start, typename Run>
+bool Actions::serve(Kind kind, ActionType requested, Start start, Run run) {
   const bool different = NowAction.actionType != requested;
-  dchange = true;
   if (!preAction && different) {
-    dchange = false;
-    preAction = decideChangeAction();
-    return dchange && preAction;
+    const Running running = goOn();
+    preAction = running.mayBeLeft;
+    if (kind == Kind::kKick) return false;
+    return preAction && (running.stepsOrKicks || kind == Kind::kWholeBody);
   }
-  if (endStepIsRequired || checkEnd) {
-    dchange = false;
+  const bool flowsOn = kind == Kind::kGait && !different;
+  if (checkEnd || (endStepIsRequired && !flowsOn)) {
     endStep();
-    return false;
+    return preAction && kind == Kind::kWholeBody;
   }
-  if (different) turn->resetVars();
+  if (different) start();
   at = NowAction.actionType = requested;
-  dchange = true;
-  preAction = turn->execute();
-  return dchange && preAction;
+  run();
+  return preAction;
+}
+
+bool Actions::ChangeAction(Turn* turn) {
+  return serve(
+      Kind::kTurn, turn->type, [&] { turn->resetVars(); }, [&] { preAction = turn->execute(); });
 }
 
 bool Actions::ChangeAction(Walk* walk) {
   resetVarsEndStep();
-  const ActionType requested = walk->type;
-  const bool different = NowAction.actionType != requested;
-  dchange = true;
-  if (preAction && endStepIsRequired && different) {
-    dchange = false;
-    endStep();
-    return false;
-  }
-  if (!preAction && different) {
-    dchange = false;
-    preAction = decideChangeAction();
-    return dchange && preAction;
-  }
-  if (checkEnd) {
-    dchange = false;
-    endStep();
-    return false;
-  }
-  if (different) {
-    resetGaits(walk);
-    walk->resetVars();
-  }
-  at = NowAction.actionType = requested;
-
-  // The side gaits bring their own feet together and demand no end step. After an omni gait the end
-  // step leaves AT_NONE behind, so that the same gait starts from its first step again.
-  switch (requested) {
-    case AT_FORWALK:
-      endStepIsRequired = true;
-      preAction = walk->forWalk();
-      break;
-    case AT_BACKWALK:
-      endStepIsRequired = true;
-      preAction = walk->backWalk();
-      break;
-    case AT_SIDEWALK_RIGHT:
-    case AT_SIDEWALK_LEFT:
-      preAction = walk->sideWalk();
-      break;
-    case AT_OMNIWALK:
-      endStepIsRequired = true;
-      preAction = walk->omniWalk();
-      if (preAction) at = AT_NONE;
-      break;
-    case AT_OMNIBACKWALK:
-      endStepIsRequired = true;
-      preAction = walk->omniBackWalk();
-      if (preAction) at = AT_NONE;
-      break;
-    case AT_OMNISIDEWALK:
-      preAction = walk->omniSideWalk();
-      if (preAction) at = AT_NONE;
-      break;
-    default:
-      break;
-  }
-  return dchange && preAction;
+  const Gait* const gait = gaitOf(walk->type);
+  return serve(
+      Kind::kGait, walk->type,
+      [&] {
+        resetGaits(walk);
+        walk->resetVars();
+      },
+      [&] {
+        if (gait == nullptr) return;
+        if (gait->needsEndStep) endStepIsRequired = true;
+        preAction = (walk->*gait->run)();
+        if (preAction && gait->startsAfresh) at = AT_NONE;
+      });
 }
 
 bool Actions::ChangeAction(Reset* reset) {
-  const ActionType requested = reset->type;
-  const bool different = NowAction.actionType != requested;
-  if (!preAction && different) {
-    preAction = decideChangeAction();
-    return preAction;
-  }
-  if (endStepIsRequired || checkEnd) {
-    endStep();
-    return preAction;
-  }
-  if (different) reset->resetVars();
-  at = NowAction.actionType = requested;
-  // Whatever stance the caller asked for, a requested reset goes to the neutral one.
-  preAction = reset->execute(1, 10, 5)->init();
-  return preAction;
+  return serve(
+      Kind::kWholeBody, reset->type, [&] { reset->resetVars(); },
+      // Whatever stance the caller asked for, a requested reset goes to the neutral one.
+      [&] { preAction = reset->execute(Reset::kNeutralStance)->init(); });
 }
 
 bool Actions::ChangeAction(Dive* dive) {
-  const ActionType requested = dive->type;
-  const bool different = NowAction.actionType != requested;
-  if (!preAction && different) {
-    preAction = decideChangeAction();
-    return preAction;
-  }
-  if (endStepIsRequired || checkEnd) {
-    endStep();
-    return preAction;
-  }
-  if (different) dive->resetVars();
-  at = NowAction.actionType = requested;
-  preAction = dive->execute();
-  return preAction;
+  return serve(
+      Kind::kWholeBody, dive->type, [&] { dive->resetVars(); },
+      [&] { preAction = dive->execute(); });
 }
 
 bool Actions::ChangeAction(Kick* kick) {
   const ActionType requested = kick->type;
-  const bool different = NowAction.actionType != requested;
-  dchange = true;
-  if (!preAction && different) {
-    preAction = decideChangeAction();
-    dchange = false;
-    return false;
-  }
-  if (endStepIsRequired || checkEnd) {
-    dchange = false;
-    endStep();
-    return false;
-  }
-  if (different) kick->resetVars();
-  at = NowAction.actionType = requested;
-  switch (requested) {
-    case AT_UNSTABLE_KICK:
-      preAction = kick->unstable();
-      break;
-    case AT_UNSTABLE1_KICK:
-      preAction = kick->unstable1();
-      break;
-    case AT_KICK:
-      preAction = kick->execute(CLOSE_X, CLOSE_Y);
-      break;
-    default:
-      break;
-  }
-  return dchange && preAction;
+  return serve(
+      Kind::kKick, requested, [&] { kick->resetVars(); },
+      [&] {
+        if (requested == AT_UNSTABLE_KICK) preAction = kick->unstable();
+        if (requested == AT_UNSTABLE1_KICK) preAction = kick->unstable1();
+        if (requested == AT_KICK) preAction = kick->execute(CLOSE_X, CLOSE_Y);
+      });
 }
 
 bool Actions::ChangeAction(TAB* tab) {
   const ActionType requested = tab->type;
-  const bool different = NowAction.actionType != requested;
-  dchange = true;
-  if (!preAction && different) {
-    preAction = decideChangeAction();
-    dchange = false;
-    return false;
-  }
-  if (endStepIsRequired || checkEnd) {
-    dchange = false;
-    endStep();
-    return false;
-  }
-  // No reset here, on purpose: the turn around the ball goes on where the last one left it.
-  at = NowAction.actionType = requested;
-  if (requested == AT_TURN_AROUND_BALL) preAction = tab->execute();
-  return dchange && preAction;
+  return serve(
+      Kind::kKick, requested,
+      // No reset here, on purpose: the turn around the ball goes on where the last one left it.
+      [] {},
+      [&] {
+        if (requested == AT_TURN_AROUND_BALL) preAction = tab->execute();
+      });
 }
 
 bool Actions::ChangeAction(StandUp* standUp) {
@@ -244,57 +202,40 @@ bool Actions::ChangeAction(StandUp* standUp) {
 }
 
 bool Actions::decideChangeAction() {
-  Walk* const walk = agent->walk;
-  Dive* const dive = agent->dive;
+  return goOn().mayBeLeft;
+}
+
+Actions::Running Actions::goOn() {
   const ActionType running = NowAction.actionType;
-  switch (running) {
-    case AT_NONE:
-      // Names no action, although it is the type of the actions that nobody has asked for yet.
-      return false;
-    case AT_FORWALK:
-      return ChangeAction(
-          walk->forWalk(walk->preForGain, walk->prespeedF, walk->preSide, walk->preStart));
-    case AT_BACKWALK:
-      return ChangeAction(walk->backWalk(walk->preBackGain, walk->prespeedB));
-    case AT_SIDEWALK_RIGHT:
-    case AT_SIDEWALK_LEFT:
-      // A request for the other way has already changed the remembered gain, and with it the type
-      // that the setter picks. The step that is under way ends as the type that began it; only its
-      // sign is the new one. Otherwise the re-issue would differ from the running type and call
-      // itself without end.
-      walk->sideWalk(walk->preSideGain);
-      walk->type = running;
-      return ChangeAction(walk);
-    // The two omni gaits that do not go forward are re-issued towards the last target of the one
-    // that does: they remember theirs in prePos, which nothing reads. Required as it stands.
-    case AT_OMNISIDEWALK:
-      return ChangeAction(
-          walk->omniSideWalk(walk->prePosition, static_cast<float>(walk->preError)));
-    case AT_OMNIBACKWALK:
-      // Speed and error in this order, the reverse of the setter's: a re-issued back gait takes its
-      // speed for its error and its error for its speed. Required as it stands.
-      return ChangeAction(walk->omniBackWalk(walk->prePosition, walk->prespeedOB,
-                                             static_cast<float>(walk->preError)));
-    case AT_OMNIWALK:
-      return ChangeAction(walk->omniWalk(walk->prePosition, walk->prespeedOW, walk->preError, 0));
-    default:
-      break;
+  // Names no action, although it is the type of the actions that nobody has asked for yet.
+  if (running == AT_NONE) return {false, false};
+
+  if (const Gait* const gait = gaitOf(running)) {
+    gait->repeat(*agent->walk);
+    // A request for the other way has already changed the remembered gain of the side gait, and
+    // with it the type that the setter picks. The step that is under way ends as the type that
+    // began it; only its sign is the new one. Otherwise the repeated request would differ from the
+    // running type and call itself without end.
+    agent->walk->type = running;
+    return {ChangeAction(agent->walk), true};
   }
-  if (running == agent->turn->type) return ChangeAction(agent->turn);
-  if (running == agent->reset->type) return ChangeAction(agent->reset);
+  if (running == agent->turn->type) return {ChangeAction(agent->turn), true};
+  if (running == agent->reset->type) return {ChangeAction(agent->reset), false};
   if (running == AT_DIVE) {
     // The mirror flag lands in the count of cycles to lie still, as 0 or 1, and the flag becomes
-    // true. Required as it stands: a dive that is re-issued ends as soon as the robot lies.
-    return ChangeAction(dive->execute(dive->Side, dive->RotateSide, true));
+    // true. Must stay: a dive that another request interrupts ends as soon as the robot lies, and
+    // frees it for that request.
+    Dive* const dive = agent->dive;
+    return {ChangeAction(dive->execute(dive->Side, dive->RotateSide, true)), false};
   }
-  if (running == agent->kick->type) return ChangeAction(agent->kick);
-  if (running == agent->turnAroundBall->type) return ChangeAction(agent->turnAroundBall);
-  if (running == agent->standUp->type) return ChangeAction(agent->standUp);
-  return true;
+  if (running == agent->kick->type) return {ChangeAction(agent->kick), true};
+  if (running == agent->turnAroundBall->type) return {ChangeAction(agent->turnAroundBall), true};
+  if (running == agent->standUp->type) return {ChangeAction(agent->standUp), false};
+  return {true, false};
 }
 
 bool Actions::endStep() {
-  if (!agent->reset->execute(1, 10, 5)->init()) return false;
+  if (!agent->reset->execute(Reset::kNeutralStance)->init()) return false;
   clearAfterEndStep(agent->walk->_omniWalk);
   clearAfterEndStep(agent->walk->_omniBackWalk);
   p += 1;

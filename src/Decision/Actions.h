@@ -59,7 +59,7 @@ class Actions {
   // One cycle of the walk to the neutral stance; true when it is reached.
   bool endStep();
 
-  // Resets the end-of-step bookkeeping. Without a caller.
+  // Resets the end-of-step bookkeeping. Every request of a gait begins with it.
   void resetVarsEndStep();
 
   // Stops everything at once: resets the actions, drives every joint towards 0 and makes the next
@@ -103,6 +103,23 @@ class Actions {
 
   // A second reason for an end step. Nothing sets it; the tests on it are kept.
   bool checkEnd = false;
+
+ private:
+  enum class Kind;
+
+  // How one more cycle of the running action went.
+  struct Running {
+    bool mayBeLeft;
+    bool stepsOrKicks;  // a gait, turn, turn around the ball or kick
+  };
+
+  // Re-issues the running action with its remembered parameters.
+  Running goOn();
+
+  // The table above, for a request of the type `requested`: `start` resets the action, `run` makes
+  // one cycle of it and stores its result in preAction.
+  template <typename Start, typename Run>
+  bool serve(Kind kind, ActionType requested, Start start, Run run);
 };
 
 #endif  // QUOLNARIS_DECISION_ACTIONS_H_

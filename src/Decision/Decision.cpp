@@ -1,34 +1,23 @@
 #include "Decision/Decision.h"
 
 #include <cassert>
-#include <cmath>
 #include <iostream>
-#include <string>
 
-#include "AdvancedAction/Block.h"
-#include "AdvancedAction/Clear.h"
 #include "AdvancedAction/Dribble.h"
 #include "AdvancedAction/GoToBall.h"
-#include "AdvancedAction/GoToGoal.h"
 #include "AdvancedAction/GoToKick.h"
-#include "AdvancedAction/GoToPoint.h"
-#include "AdvancedAction/Mark.h"
 #include "Agent/AdvancedAgent.h"
-#include "BasicAction/Dive.h"
 #include "BasicAction/ForWalk.h"
 #include "BasicAction/Kick.h"
 #include "BasicAction/Reset.h"
 #include "BasicAction/SeeBall.h"
 #include "BasicAction/StandUp.h"
-#include "BasicAction/Turn.h"
 #include "BasicAction/Walk.h"
 #include "Command/Command.h"
 #include "Decision/Actions.h"
-#include "Mathematics/Degree.h"
 #include "Utilities/Config.h"
-#include "Utilities/FastIC.h"
-#include "Utilities/Logger.h"
 #include "WorldModel/Ball.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
@@ -39,13 +28,7 @@ int Decision::freezeCycle = 0;
 
 namespace {
 
-const Vector kGoal(15, 0, 0);
-
-// The server's cycles per second.
-constexpr int kCyclesPerSecond = 50;
-
 constexpr int kKickOffTaker = 11;
-constexpr int kDribbler = 10;  // dribbles on after our kick-off
 
 // Beams of one stoppage after which the player settles in its stance instead.
 constexpr int kBeamLimit = 9;
@@ -115,68 +98,6 @@ constexpr SetPlay kSetPlays[] = {
     {kOurFreeKick, 10, Taking::kWaitsAndKicks, 8, true, true, false},
     {kUnknownMode, 10, Taking::kWaitsAndKicks, 9, true, true, true},
 };
-
-// The claim of the ball.
-constexpr int kNobody = -1;
-constexpr int kClaimCycles = 6;        // the greatest cost at which a player claims the ball
-constexpr double kTakeOverLead = 1.5;  // cycles that a rival must be nearer than a heard claim
-
-constexpr double kPlayRadius = 6;       // metres to the ball within which it is played
-constexpr double kBallDecay = 0.06;     // per step of the interception
-constexpr double kKickOffRadius = 0.9;  // metres to the ball at which our kick-off is over
-
-// Where an attacker stands in relation to the ball, metres.
-struct AttackLane {
-  int number;
-  int side;       // +1 the left lane, -1 the right one, 0 at the ball's own y
-  double behind;  // behind a ball that is not deep in the own half
-  double holdX;   // x for a ball that is
-};
-constexpr AttackLane kAttackLanes[] = {{9, +1, 1, -6}, {10, -1, 1, -6}, {11, 0, 0, -5}};
-constexpr double kDeep = -5;  // x of the ball below which the own half is in need
-
-// How far a lane runs beside the ball, and how it is squeezed near the touch line.
-struct LaneShape {
-  double beside;   // metres beside the ball
-  double from;     // |y| of the ball from which on the lane is squeezed
-  double squeeze;  // divisor of what lies beyond
-};
-constexpr LaneShape kAttackShape{1.5, 7, 3};
-constexpr LaneShape kHalfBackShape{1.6, 8, 2};
-constexpr double kTouchLane = 9;
-
-double laneY(double ballY, int side, const LaneShape& shape) {
-  if (ballY * side > shape.from) {
-    return (ballY - side * shape.from) / shape.squeeze + side * kTouchLane;
-  }
-  return ballY + side * shape.beside;
-}
-
-// The part of the way from the own goal line to the ball at which a line of players stands.
-double ahead(double ballX, double part) {
-  return (ballX + 15) / part - 15;
-}
-
-Vector onGround(double x, double y) {
-  return Vector(static_cast<float>(x), static_cast<float>(y), 0);
-}
-
-// The defenders who stand further forward.
-bool isForwardDefender(int number) {
-  return number == 4 || number == 5;
-}
-
-bool isInDangerZone(Vector ball) {
-  return ball.getX() < -11 && ball.getY() < 5 && ball.getY() > -5;
-}
-
-std::string twoDigits(int n) {
-  return (n <= 9 ? "0" : "") + std::to_string(n);
-}
-
-double bearingOf(WorldModel* WM, Vector point) {
-  return Degree::normalizeAngle(static_cast<float>(WM->getAngleTo(point)));
-}
 
 }  // namespace
 
@@ -310,7 +231,7 @@ void Decision::beam() {
 
 void Decision::resetUnlessKickOffTaker() {
   if (unum == kKickOffTaker) return;
-  advancedAgent->reset->execute(0, 10, 5);
+  advancedAgent->reset->execute(Reset::kFixedStance);
   advancedAgent->reset->init();
 }
 
@@ -345,7 +266,7 @@ void Decision::playOn() {
   if (unum == 1) {
     goalie();
   } else {
-    advancedAgent->dribble->execute(kGoal);
+    advancedAgent->dribble->execute(kOtherGoal);
   }
 }
 
@@ -367,7 +288,7 @@ void Decision::setPlay() {
     if (dispatchFieldRole()) return;
     if (decidepost() != GOALIE) return;
     if (play.goalieKicks) {
-      advancedAgent->goToKick->execute(kGoal);
+      advancedAgent->goToKick->execute(kOtherGoal);
     } else {
       goalie();
     }
@@ -408,7 +329,7 @@ void Decision::waitingGoalie() {
   selfPos = advancedAgent->WM->mySelf->getGlobalPosition();
   ballPos = advancedAgent->WM->ball->getGlobalPosition();
   if (selfPos.getDistanceOnGround(ballPos) < 0.1) {
-    advancedAgent->goToBall->execute(kGoal, 90, 0.2f, false);
+    advancedAgent->goToBall->execute(kOtherGoal, 90, 0.2f, false);
   }
   if (static_cast<float>(waitValueG) >= t[j]) {
     advancedAgent->actions->ChangeAction(advancedAgent->kick->unstable1(true));
@@ -423,7 +344,7 @@ bool Decision::passKickOff() {
 
   switch (stateP) {
     case kStance:
-      advancedAgent->reset->execute(0, 10, 5);
+      advancedAgent->reset->execute(Reset::kFixedStance);
       if (advancedAgent->reset->init()) stateP = kStep;
       break;
     case kStep: {
@@ -446,247 +367,5 @@ bool Decision::passKickOff() {
     default:
       break;
   }
-  return false;
-}
-
-// --- The goalie ----------------------------------------------------------------------------------
-
-bool Decision::doPreProcess() {
-  WorldModel* const WM = advancedAgent->WM;
-  FastIC fc(WM);
-  fc.setTarget(ballPos, ballVel, kBallDecay);
-  fc.setPlayers();
-  fc.amIGoalie = true;
-  fc.calculate();
-  if (!fc.isAlive) return false;
-
-  const Vector point = fc.fastest.reachPoint;
-  if ((fc.isInGoal || anyThingToDoZero || anyThingToDoOne || ballPos.getX() < -14) && dive(fc)) {
-    return true;
-  }
-
-  logger["Agent"] << "dive nakard!!!" << std::endl;  // "did not dive"
-  logger["Agent"] << "isingoal : " << fc.isInGoal
-                  << " fc.fastest.reachCycle : " << fc.fastest.reachCycle
-                  << "  ballVel : " << ballVel << "  point.getX() : " << point.getX() << std::endl;
-
-  if (!WM->isFall() && !fc.isInGoal && point.getX() < -14 && ballVel.getX() > -2) {
-    advancedAgent->goToPoint->execute(point, 0.1f);
-    return true;
-  }
-  if (!WM->isFall() && !fc.isInGoal && !anyThingToDoZero && !anyThingToDoOne &&
-      std::fabs(bearingOf(WM, kGoal)) > 5) {
-    advancedAgent->actions->ChangeAction(advancedAgent->turn->execute(kGoal, 10, 0));
-    return true;
-  }
-  return false;
-}
-
-// True when the goalie dives, goes on diving, or rightly does not: the ball comes to it.
-bool Decision::dive(const FastIC& fc) {
-  logger["Agent"] << "GOALIE :: " << std::endl;
-  logger["Agent"] << "isingoal = " << fc.isInGoal << "  getX ball : " << ballPos.getX()
-                  << std::endl;
-
-  const Vector goaliePlace = advancedAgent->WM->mySelf->getGlobalPosition();
-  // "Distance": how far to the left of the goalie the ball comes, metres.
-  const double fasele = fc.fastest.reachPoint.getY() - goaliePlace.getY();
-  if (fasele > -0.05 && fasele < 0) return true;
-
-  const bool centre = ((fasele < 0.03 && fasele > -0.15) || anyThingToDoZero) && !anyThingToDoOne;
-  const bool aside = (std::fabs(fasele) < 1.2 || anyThingToDoOne) && !anyThingToDoZero;
-  if (!centre && !aside) return false;
-
-  const int soo = fasele < 0 ? -1 : 1;  // "direction"
-  bool& underWay = centre ? anyThingToDoZero : anyThingToDoOne;
-  freezeCycle = fc.fastest.reachCycle + (centre ? 150 : 100);
-  logger["Agent"] << "dive @@@@@@@" << std::endl;
-  advancedAgent->actions->ChangeAction(
-      advancedAgent->dive->execute(centre ? 0 : soo, freezeCycle, true));
-  diveFreeze = underWay = !advancedAgent->dive->getFinish();
-  return true;
-}
-
-// --- The roles -----------------------------------------------------------------------------------
-
-FastIC Decision::lookAhead(bool withoutNumberOne) {
-  FastIC fc(advancedAgent->WM);
-  fc.setTarget(ballPos, ballVel, kBallDecay);
-  fc.setPlayers();
-  if (withoutNumberOne) fc.erasePlayer(1);
-  fc.calculate();
-  --Block::blockCountDown;
-  --Block::doBlockCD;
-  return fc;
-}
-
-void Decision::attack() {
-  const FastIC fc = lookAhead(false);
-  const Vector myself = advancedAgent->WM->mySelf->getGlobalPosition();
-  const Vector ball = advancedAgent->WM->ball->getGlobalPosition();
-  if (myself.getDistanceOnGround(ball) > kKickOffRadius) KO = false;
-
-  logger["Agent"] << "unum  : " << unum << std::endl;
-  if (unum == kDribbler && KO) {
-    advancedAgent->dribble->execute(kGoal);
-    return;
-  }
-  logger["Agent"] << "else nabayad bashe !!!!!!!!!!!" << std::endl;  // "else must not be"
-
-  if (goesForTheBall(fc) && playTheBall(fc, myself.getDistanceTo(ball))) return;
-  attackPositioning();
-}
-
-void Decision::halfBack() {
-  const FastIC fc = lookAhead(true);
-  if (goesForTheBall(fc) && playTheBall(fc, selfPos.getDistanceTo(ballPos))) return;
-  halfBackPositioning();
-}
-
-void Decision::defence() {
-  const FastIC fc = lookAhead(true);
-  const bool danger = isInDangerZone(ballPos);
-  if (!goesForTheBall(fc)) {
-    if (danger) {
-      protectGoal();
-    } else {
-      defencePositioning();
-    }
-    return;
-  }
-  // Unlike the others, a defender with nothing to mark does not fall back.
-  const double distToBall = selfPos.getDistanceTo(ballPos);
-  if (danger && distToBall < kPlayRadius) {
-    advancedAgent->clear->execute(fc.fastest.playerPos, fc.fastest.reachPoint);
-  } else {
-    playTheBall(fc, distToBall);
-  }
-}
-
-void Decision::goalie() {
-  if (!doPreProcess()) chaseBall();
-}
-
-// The one rule by which the field players agree on who goes to the ball: true when this player
-// does, false when it falls back to what its role does without the ball. May say a claim.
-bool Decision::goesForTheBall(const FastIC& fc) {
-  if (!fc.fastestTeammateIsAlive) return false;
-  const int heard = advancedAgent->WM->fastestTeammateUnum;
-  const int first = fc.fastestTeammate.human.getPlayerNumber();
-  const int reachCycle = fc.fastestTeammate.reachCycle;
-
-  int claimant = heard;
-  bool aha = false;  // level with the first, and nobody has claimed
-  if (heard == kNobody) {
-    aha = fc.mySelf.reachCycle == reachCycle;
-    claimant = aha ? unum : first;
-  }
-  if (first == unum || aha) {
-    if (reachCycle > kClaimCycles) {
-      claimant = heard;
-    } else if (heard == unum || heard == kNobody ||
-               advancedAgent->WM->fastestReachCycle > reachCycle + kTakeOverLead) {
-      sayClaim(reachCycle);
-      claimant = unum;
-    } else {
-      return false;
-    }
-  }
-  return claimant == unum;
-}
-
-void Decision::sayClaim(int reachCycle) {
-  advancedAgent->command->addSay("u" + twoDigits(unum) + "rc" + twoDigits(reachCycle));
-}
-
-// False only when there was nothing to do: nobody to block and nobody to mark.
-bool Decision::playTheBall(const FastIC& fc, double distToBall) {
-  if (distToBall < kPlayRadius) {
-    advancedAgent->goToGoal->execute();
-    return true;
-  }
-  return contestTheBall(fc);
-}
-
-bool Decision::contestTheBall(const FastIC& fc) {
-  const TeamSide other = ourSide ? SIDE_LEFT : SIDE_RIGHT;
-  if (fc.fastest.human.getTeamSide() == other && fc.fastestOpponentIsAlive) {
-    if (!advancedAgent->block->realBlockExecute()) advancedAgent->block->extraBlockExecute();
-    return true;
-  }
-  return advancedAgent->mark->execute();
-}
-
-// --- Positioning ---------------------------------------------------------------------------------
-
-bool Decision::attackPositioning() {
-  AttackLane lane{unum, 0, 0, -5};
-  bool keepsOwnY = true;
-  for (const AttackLane& own : kAttackLanes) {
-    if (own.number != unum) continue;
-    lane = own;
-    keepsOwnY = false;
-  }
-  const double x = ballPos.getX() > kDeep ? ballPos.getX() - lane.behind : lane.holdX;
-  const double y = keepsOwnY ? selfPos.getY() : laneY(ballPos.getY(), lane.side, kAttackShape);
-  return goUnlessNearer(onGround(x, y));
-}
-
-bool Decision::halfBackPositioning() {
-  const int side = unum == 7 ? 1 : unum == 8 ? -1 : 0;
-  double x = ahead(ballPos.getX(), side != 0 ? 1.875 : 2.72);
-  // Folds the line at the half-way line on purpose: the point moves back towards the centre as the
-  // ball goes further forward.
-  if (ballPos.getX() > 0) x = -x;
-  return goUnlessNearer(onGround(x, laneY(ballPos.getY(), side, kHalfBackShape)));
-}
-
-// A player nearer to the ball than its point stays.
-bool Decision::goUnlessNearer(Vector point) {
-  if (selfPos.getDistanceTo(ballPos) > point.getDistanceTo(ballPos)) {
-    advancedAgent->goToPoint->gtpDecide(point, ballPos, 20, 0.5);
-  }
-  return true;
-}
-
-// A defender does not follow the ball sideways.
-bool Decision::defencePositioning() {
-  const bool forward = isForwardDefender(unum);
-  double x = forward ? -11.6 : -13.6;
-  if (ballPos.getX() < kDeep) x = ahead(ballPos.getX(), forward ? 3 : 7.5);
-  const Vector point = onGround(x, selfPos.getY());
-  if (advancedAgent->WM->gameTime > 0.3 && selfPos.getDistanceTo(point) > 0.8) {
-    advancedAgent->goToPoint->gtpDecide(point, ballPos, 20, 0.5);
-  }
-  return true;
-}
-
-// For a defender that does not go to a ball in the danger zone: it shifts sideways by the gap
-// between the ball and the teammate that stands nearest to the ball's line, and faces the other
-// goal, not the ball.
-bool Decision::protectGoal() {
-  const bool forward = isForwardDefender(unum);
-  const double x = (ballPos.getX() + 15) / (forward ? 3 : 7.5) - (forward ? 14.6 : 14.8);
-
-  double mast = 9999;
-  double doogh = 0;
-  for (const Player& teammate : advancedAgent->WM->player[ourSide]) {
-    const Vector pos =
-        teammate.getPlayerNumber() == unum ? selfPos : teammate.getCalculatedPosition();
-    const double gap = pos.getY() - ballPos.getY();
-    if (std::fabs(gap) < mast) {
-      mast = std::fabs(gap);
-      doogh = gap;
-    }
-  }
-  const double y = doogh < 0 ? selfPos.getY() - mast : selfPos.getY() + mast;
-  advancedAgent->goToPoint->gtpDecide(onGround(x, y), kGoal, 10, 0.5);
-  return true;
-}
-
-// A goalie that has nothing to do stays where it is; one that lies on the ground outside a dive
-// stands up.
-bool Decision::chaseBall() {
-  if (!isUp() && !goalWasScored()) checkstandupGoalie = standUpGoalie();
   return false;
 }

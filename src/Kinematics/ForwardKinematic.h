@@ -19,8 +19,9 @@ class ForwardKinematic {
  public:
   // Every matrix below is in position form: the translation column (0..2, 3) is the point's
   // position in the torso frame in metres, and the upper left block is, up to rounding, the
-  // identity. Only the translation carries meaning. A new object holds zero matrices (Matrix's
-  // default) and zero vectors.
+  // identity. Only the translation carries meaning. A new object holds zero vectors and matrices
+  // that are 0 but for the 1 in the last row and column (Matrix's default): every point in the
+  // origin.
 
   // End points of the limbs.
   Matrix<4, 4> leftHand, leftLeg, rightHand, rightLeg, head;

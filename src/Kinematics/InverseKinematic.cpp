@@ -12,12 +12,11 @@
 
 namespace {
 
-// The pi of the closed forms, in the solution and in the conversion to degrees alike. Coarse, and
-// required as it stands.
-constexpr double pi = 3.1415;
+constexpr double pi = InverseKinematic::kPi;
 
 // Taken from the results after the conversion to degrees, although the size of the numbers suggests
-// radians. Required as it stands.
+// radians. As degrees they hardly bend the knee; as radians they would by some 27 degrees, and no
+// stance, gait or kick would be what its numbers are tuned to.
 constexpr std::array<double, 10> initAng = {0, 0, 0, -0.217967, 0.476474, -0.258508, 0, 0, 0, 0};
 
 // What the closed forms know of a leg, in millimetres. They place the hip of either leg on the
@@ -147,10 +146,9 @@ bool InverseKinematic::legSolver(Vector torso, Vector ankle, double* theta, bool
 
   // Only the first solution is asked for: theta has no room for a second one. The pitch joints of
   // the chain turn the other way than the server's.
-  constexpr double kDegrees = 57.29577951308232;
   constexpr std::array<double, 6> kSign = {1, 1, -1, -1, -1, 1};
   const std::vector<double>& joints = solutions.front();
-  for (int i = 0; i < 6; ++i) theta[i + 1] = kSign[i] * (joints[i] * kDegrees);
+  for (int i = 0; i < 6; ++i) theta[i + 1] = kSign[i] * (joints[i] * Vector::RAD2DEG);
   return true;
 }
 

@@ -22,6 +22,11 @@
 
 class InverseKinematic {
  public:
+  // The pi of the closed forms, in the solution and in the conversion to degrees alike, and of
+  // whoever hands them sensed angles. Coarse, and to stay so: with a finer one every angle of every
+  // gait moves in its fifth digit, and the gaits' numbers are tuned to these.
+  static constexpr double kPi = 3.1415;
+
   // Closed form with the hip yaw-pitch held at 0 and the sole parallel to the torso's horizontal
   // plane. Writes theta[0..6]. A target out of reach makes theta[3], theta[4] and theta[5]
   // not-a-number.

@@ -311,11 +311,13 @@ FKvars NAOKinematics::calculateCenterOfMass(const std::vector<double>& allJoints
   static constexpr LinkMass kTorso = {nullptr, -4.15, 0.07, 42.58, 1.03948};
   // clang-format on
 
-  // Not the reciprocal of the sum of the masses above. Required as it stands.
+  // Not the reciprocal of the sum of the masses above, and not to be replaced by it: every centre
+  // of mass that was ever computed carries this factor, and whoever is tuned to one is tuned to it.
   constexpr double kPerMass = 0.20496003279360528;
 
   if (allJoints.size() != kBodyJoints) {
-    // The number in the text is not the one tested. Required as it stands.
+    // The number in the text is not the one tested. Both stay: the text is what readers of the
+    // output look for, the other number is that of the chains.
     std::cout << "Kinematics CoM fatal: joints vector not equal to 22" << std::endl;
     if (allJoints.size() < kBodyJoints) return {};
   }
@@ -478,7 +480,8 @@ void NAOKinematics::solveHipPitch(const LegSide& leg, LegJoints& theta, Solution
     double b = std::acos(Ttemp2.A.read(0, 2) / q);
     if (std::isnan(b)) b = 0;
 
-    // The lower bound of the first candidate is tested on the second one. Required as it stands.
+    // The lower bound of the first candidate is tested on the second one. Must stay: a test of its
+    // own would let through other solutions, and callers take the first of the list.
     const double other = PI / 2 - b;
     if (b + PI / 2 <= kHipYawPitch.high && other >= kHipYawPitch.low) {
       theta[0] = b + PI / 2;
@@ -507,8 +510,9 @@ NAOKinematics::Solutions NAOKinematics::inverseLeftHand(const kmatTable& targetP
 }
 
 NAOKinematics::Solutions NAOKinematics::inverseRightHand(const kmatTable& targetPoint) {
-  // The turn of the hand is taken away here and once more by TEndAndRotRArmInv. Required as it
-  // stands: reachable targets have no solution because of it.
+  // The turn of the hand is taken away here and once more by TEndAndRotRArmInv, so that reachable
+  // targets have no solution. Must stay: callers go by the empty list, and an answer in its place
+  // would move an arm that has never moved for them.
   Tinit = targetPoint;
   Tinit.fast_mult(RotRArmFixInv);
   return inverseHand(targetPoint, {.chain = "RightHand",
@@ -602,7 +606,8 @@ void NAOKinematics::solveShoulderPitch(const ArmSide& arm, ArmJoints& theta, Sol
     if (std::isnan(c1)) c1 = cosine < 0 ? -PI : 0;
   }
 
-  // The range is tested on c1 for both signs. Required as it stands; the ranges are symmetric.
+  // The range is tested on c1 for both signs, which is the same while the range is symmetric, and
+  // keeps both solutions or none should it ever not be.
   if (!kShoulderPitch.holds(c1)) return;
   for (const double shoulderPitch : {c1, -c1}) {
     theta[0] = shoulderPitch;

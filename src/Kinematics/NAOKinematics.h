@@ -136,8 +136,8 @@ class NAOKinematics {
   // position is checked, the rotation is not.
   //
   // inverseRightHand gives no solution for targets that the arm can reach: it takes the turn of the
-  // hand away twice. Required as it stands. A target whose rotation is no number may throw
-  // SingularMatrixInvertionException.
+  // hand away twice, and must go on to, since callers go by the empty list. A target whose rotation
+  // is no number may throw SingularMatrixInvertionException.
   Solutions inverseLeftLeg(const kmatTable& targetPoint);
   Solutions inverseLeftLeg(double px, double py, double pz, double rx, double ry, double rz);
   Solutions inverseRightLeg(const kmatTable& targetPoint);
@@ -148,7 +148,8 @@ class NAOKinematics {
   Solutions inverseRightHand(double px, double py, double pz, double rx, double ry, double rz);
 
   // Head joints that bring a camera to the target's position. withAngles asks for a solution by the
-  // rotation instead, and gives none in any case. Required as it stands.
+  // rotation instead, and gives none in any case: a look by rotation alone says nothing about the
+  // camera's place, and callers count on the empty list.
   Solutions inverseHead(const kmatTable& targetPoint, bool withAngles, bool topCamera);
   Solutions inverseHead(double px, double py, double pz, double rx, double ry, double rz,
                         bool withAngles, bool topCamera);

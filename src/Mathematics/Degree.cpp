@@ -2,10 +2,12 @@
 
 #include <cmath>
 
+#include "Mathematics/Vector.h"
+
 namespace {
 
-constexpr double kDegToRad = 0.017453292519943295;
-constexpr double kRadToDeg = 57.29577951308232;
+constexpr double kDegToRad = Vector::DEG2RAD;
+constexpr double kRadToDeg = Vector::RAD2DEG;
 
 // From here on neighbouring floats lie two or more degrees apart. Adding or taking single turns
 // would run for very long, and beyond 2^34 for ever; the remainder gives the same angle at once.

@@ -21,7 +21,8 @@ class Degree {
   /// Direction of the point (x, y), -180 to 180.
   static float arcTan2(float y, float x);
 
-  /// The same as `arcTan2`, argument for argument; required as it stands.
+  /// The same as `arcTan2`, argument for argument, and no arc cotangent. A caller that is written
+  /// against it would be turned by the difference.
   static float arcCot2(float y, float x);
 
   /// `a` by whole turns brought into -180 to 180, both ends included.

@@ -1,6 +1,5 @@
 #include "Mathematics/Vector.h"
 
-#include <limits>
 #include <ostream>
 
 #include "Utilities/Converter.h"
@@ -56,6 +55,5 @@ std::ostream& operator<<(std::ostream& out, Vector v) {
 
 int sign(double value) {
   if (value == 0.0) return 0;
-  const double quotient = value / std::fabs(value);
-  return std::isnan(quotient) ? std::numeric_limits<int>::min() : static_cast<int>(quotient);
+  return integerPart(value / std::fabs(value));
 }

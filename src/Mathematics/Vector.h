@@ -27,7 +27,7 @@ class Vector {
   float z = 0;
 
   Vector() = default;
-  Vector(float a, float b, float c) : x(a), y(b), z(c) {}
+  constexpr Vector(float a, float b, float c) : x(a), y(b), z(c) {}
 
   /// CARTESIAN: the three coordinates. SPHERICAL: `vx` is the length, `vy` the azimuth from +x
   /// towards +y and `vz` the elevation above the xy plane, both in degrees.
@@ -87,8 +87,8 @@ class Vector {
   /// same for y and for -y. 0 if the projection is a point.
   float getPhi() const;
 
-  /// `b.getPhi() - getPhi()`, radians; as unsigned as `getPhi()` is.
-  float getAngleTo(Vector b) const { return b.getPhi() - getPhi(); }
+  /// `getPhi()` of the way from this point to `b`, radians, 0 to pi; as unsigned as `getPhi()` is.
+  float getAngleTo(Vector b) const { return (b - *this).getPhi(); }
 
   float dot(Vector b) const { return x * b.x + y * b.y + z * b.z; }
 
@@ -145,8 +145,7 @@ class Vector {
 std::ostream& operator<<(std::ostream& out, Vector v);
 
 /// 0 for 0.0, otherwise the value divided by its magnitude, cut to int: 1 or -1. The quotient of
-/// an infinity or not-a-number is no number; it gives the lowest int, as the conversion instruction
-/// of the machines that the player runs on does.
+/// an infinity or not-a-number is no number; it gives the lowest int, see `integerPart`.
 int sign(double value);
 
 #endif  // QUOLNARIS_MATHEMATICS_VECTOR_H_

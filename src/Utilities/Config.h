@@ -76,7 +76,8 @@ class ConfigValue {
   int asInt() const;
   float asFloat() const;
 
-  /// Atom `i`, counted from 0. REQUIRES 0 <= i < size(): there is no check.
+  /// Atom `i`, counted from 0. REQUIRES 0 <= i < size(), which the standard library's assertions
+  /// check: a deployment with too short a list stops the player.
   const Str& operator[](int i) const { return values[static_cast<std::size_t>(i)]; }
 
   int size() const { return static_cast<int>(values.size()); }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -40,6 +41,12 @@ double Converter::cosDeg(double a) {
 
 double Converter::atan2Deg(double y, double x) {
   return std::atan2(y, x) * 180.0 / kPi;
+}
+
+int integerPart(double value) {
+  using Limits = std::numeric_limits<int>;
+  const bool fits = value > Limits::min() - 1.0 && value < Limits::max() + 1.0;
+  return fits ? static_cast<int>(value) : Limits::min();
 }
 
 const char* getPlayModeStr(PlayMode mode) {

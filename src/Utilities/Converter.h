@@ -17,11 +17,16 @@ class Converter {
   static double atan2Deg(double y, double x);
 };
 
+/// The whole-number part. What no int can hold, not-a-number and infinities too, gives the lowest
+/// int, as the conversion instruction of the machines that the player runs on does; only a
+/// senseless configuration or request leads there.
+int integerPart(double value);
+
 /// The server's word for each `PlayMode`, indexed by it.
 extern const char* const PlayModeNames[18];
 
-/// Names of the sides. The first row is "our", so that the index is one off from `TeamSide`:
-/// required as it stands, see `getSideStr`.
+/// Names of the sides. The first row is "our", so that the index is one off from `TeamSide`. The
+/// rows are public and told by their number: taking "our" out would rename those behind it.
 extern const char* const SideNames[4];
 
 /// The server's word for `mode`. REQUIRES a mode of the enumeration.

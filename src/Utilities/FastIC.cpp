@@ -4,13 +4,11 @@
 #include <cstddef>
 
 #include "Mathematics/Degree.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Self.h"
 #include "WorldModel/WorldModel.h"
 
 namespace {
-
-constexpr int kPlayers = 11;
-constexpr float kUnknown = 9999;
 
 // The run gives up when its cycle number goes above this.
 constexpr int kLastCycle = 35;
@@ -134,8 +132,9 @@ void FastIC::refresh() {
   for (FastPlayer& candidate : fastPlayers) {
     candidate.playerPos = isMe(candidate.human) ? WM->mySelf->getGlobalPosition()
                                                 : candidate.human.getCalculatedPosition();
+    constexpr int kUnknown = FastPlayer::kUnknown;
     candidate.reachPoint = Vector(kUnknown, kUnknown, kUnknown);
-    candidate.reachCycle = static_cast<int>(kUnknown);
+    candidate.reachCycle = kUnknown;
     candidate.calculated = false;
   }
 }
@@ -153,7 +152,7 @@ FastIC::Runner FastIC::prepare(const FastPlayer& candidate) const {
   Orientation orient = UNKNOWN;
   if (runner.me) {
     orient = orientationFromBearing(
-        Degree::normalizeAngle(static_cast<float>(WM->getAngleTo(Vector(15, 0, 0)))));
+        Degree::normalizeAngle(static_cast<float>(WM->getAngleTo(kOtherGoal))));
   } else if ((runner.own || runner.other) && number >= 1 && number <= kPlayers) {
     orient = WM->player[side][number - 1].getBodyDirection(WM->gameTime);
   }
@@ -253,9 +252,9 @@ void FastIC::crown(bool opponentIsFirst) {
   }
 }
 
-// The first entry of each row that lies nearer than kUnknown is taken, not the nearest: the first
-// hit ends the search. The game is tuned to that; a search for the nearest would change who is
-// thought to have played the ball out.
+// The first entry of each row that lies nearer than FastPlayer::kUnknown is taken, not the nearest:
+// the first hit ends the search. The game is tuned to that; a search for the nearest would change
+// who is thought to have played the ball out.
 void FastIC::leavePitch(Vector target, int cycle, Found& found) {
   const auto take = [&](FastPlayer& result, const Player& player, bool& first, bool& alive) {
     result = FastPlayer(player);
@@ -266,7 +265,7 @@ void FastIC::leavePitch(Vector target, int cycle, Found& found) {
   isOut = true;
   for (int i = 0; i < kPlayers && !found.opponent; ++i) {
     const Player& player = WM->player[!ourSide][i];
-    if (player.getCalculatedPosition().getDistanceTo(target) < kUnknown) {
+    if (player.getCalculatedPosition().getDistanceTo(target) < FastPlayer::kUnknown) {
       take(fastestOpponent, player, found.opponent, fastestOpponentIsAlive);
     }
   }
@@ -274,7 +273,7 @@ void FastIC::leavePitch(Vector target, int cycle, Found& found) {
     const Player& player = WM->player[ourSide][i];
     const Vector pos = i + 1 == WM->mySelf->getAgentNum() ? WM->mySelf->getGlobalPosition()
                                                           : player.getCalculatedPosition();
-    if (pos.getDistanceTo(target) < kUnknown) {
+    if (pos.getDistanceTo(target) < FastPlayer::kUnknown) {
       take(fastestTeammate, player, found.teammate, fastestTeammateIsAlive);
     }
   }

@@ -18,16 +18,18 @@ struct FastBall {
 
 /// One candidate for the target.
 struct FastPlayer {
+  static constexpr int kUnknown = 9999;
+
   FastPlayer() = default;
   FastPlayer(Player p);  // NOLINT(google-explicit-constructor)
 
-  bool vojood = false;                  ///< "Existence"; copied along, no logic reads it.
-  Player human;                         ///< Copy of the world model's entry.
-  bool calculated = false;              ///< Has reached the target and is skipped from then on.
-  Vector reachPoint{9999, 9999, 9999};  ///< Where the target was then; 9999 while unknown.
-  int reachCycle = 9999;                ///< The cost in steps; 9999 while unknown.
-  Vector playerPos;                     ///< Position, moved on by playerVel at each step.
-  Vector playerVel;                     ///< Metres per step.
+  bool vojood = false;      ///< "Existence"; copied along, no logic reads it.
+  Player human;             ///< Copy of the world model's entry.
+  bool calculated = false;  ///< Has reached the target and is skipped from then on.
+  Vector reachPoint{kUnknown, kUnknown, kUnknown};  ///< Where the target was then, or kUnknown.
+  int reachCycle = kUnknown;                        ///< The cost in steps, or kUnknown.
+  Vector playerPos;  ///< Position, moved on by playerVel at each step.
+  Vector playerVel;  ///< Metres per step.
 };
 
 /// The compass direction that a bearing of the point (15, 0, 0) stands for, `bearing` in degrees in

@@ -7,6 +7,10 @@
 /// The half of the pitch that a team defends, as the server names it.
 enum TeamSide { SIDE_LEFT = 0, SIDE_RIGHT = 1, SIDE_ILLEGAL = 2 };
 
+/// A side of the own body, wherever a `bool side` names one.
+inline constexpr bool kLeft = false;
+inline constexpr bool kRight = true;
+
 /// The play modes of the game; their names on the wire are `PlayModeNames` (Utilities/Converter.h).
 enum PlayMode {
   PM_BEFORE_KICK_OFF = 0,
@@ -84,7 +88,7 @@ enum FallOrientation {
 /// NORTH is no slip of the pen: the code that reads these directions is written against it.
 enum Orientation { SOUTH = 0, WEST = 1, NORTH = 2, EAST = 3, UNKNOWN = 4 };
 
-/// How a seen field line runs in the image.
+/// How a seen field line runs in the pitch-parallel frame: along the x axis, along y, or neither.
 enum LineSlopeType { LINE_HORIZONTAL = 0, LINE_VERTICAL = 1, LINE_NONE = 2 };
 
 /// The force resistance sensors under the feet.

@@ -3,7 +3,8 @@
 
 #include "WorldModel/Object.h"
 
-// The ball. Until it has been seen twice its previous position is its radius above the centre spot.
+// The ball. Until it first gets a global position its previous one is its radius above the centre
+// spot; from then on the previous position is the one before the last, which begins as zero.
 class Ball : public Object {
  public:
   Ball() {

@@ -3,6 +3,7 @@
 
 #include "Mathematics/Vector.h"
 #include "Utilities/Types.h"
+#include "WorldModel/Game.h"
 
 // A reading of one foot's force sensor. A foot without contact gets no reading, so whoever reads
 // this compares getLastTimeSensed with the game time.
@@ -28,7 +29,7 @@ class FRP {
   }
 
   TFRP type = FRP_ILLEGAL;  // the parser leaves it: the foot is told by where the reading is kept
-  double lastTimeSensed = -1000.0;
+  double lastTimeSensed = kNeverSeen;
   Vector center;
   Vector force;
 };

@@ -3,6 +3,12 @@
 
 #include <string>
 
+// The hinges of the head, of an arm and of a leg. The seventh of a leg, the toe, exists for every
+// robot type; a server ignores it where the robot has none.
+inline constexpr int kHeadJoints = 2;
+inline constexpr int kHandJoints = 4;
+inline constexpr int kLegJoints = 7;
+
 // A hinge as the sensors report it: its effector name and its angle in degrees, in the server's
 // sign convention.
 class Joint {

@@ -3,6 +3,7 @@
 
 #include "Mathematics/Matrix.h"
 #include "Mathematics/Vector.h"
+#include "WorldModel/Game.h"
 
 // Anything with a position on the pitch. One object carries its position in four frames side by
 // side; a sighting enters in the camera frame and is carried from each frame to the next:
@@ -16,7 +17,8 @@
 // All lengths are metres. In the pitch frame the own goal lies at negative x for either side.
 class Object {
  public:
-  // All positions zero, never seen (LastTimeSeen -1000, so that it is not "seen now" at time 0).
+  // All positions zero, never seen (LastTimeSeen kNeverSeen, so that it is not "seen now" at time
+  // 0).
   Object() = default;
 
   // Also keeps the old global position as the previous one.
@@ -64,7 +66,7 @@ class Object {
   Vector BodyPosition;
   Vector GlobalPosition;
   Vector Velocity;
-  float LastTimeSeen = -1000.0f;
+  float LastTimeSeen = kNeverSeen;
   int dks = 0;  // carried, read by nobody
 
   // Carried along by copies only; a Player hides them behind fields of its own.

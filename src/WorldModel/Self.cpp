@@ -7,10 +7,6 @@
 
 namespace {
 
-constexpr int kHandJoints = 4;
-constexpr int kLegJoints = 7;
-constexpr int kHeadJoints = 2;
-
 void nameJoints(Joint* joints, int count, const std::string& limb) {
   for (int i = 0; i < count; ++i) joints[i].setName(limb + std::to_string(i + 1));
 }

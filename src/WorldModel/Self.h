@@ -93,9 +93,9 @@ class Self : public Player {
   // The agent's position by one landmark: flagreal - body * flagcam, pitch frame.
   const Vector localize(const Vector& flagcam, const Vector& flagreal) const;
 
-  Joint handJoints[2][4];  // [side][joint - 1]
-  Joint legJoints[2][7];   // [side][joint - 1]
-  Joint headJoints[2];
+  Joint handJoints[2][kHandJoints];  // [side][joint - 1]
+  Joint legJoints[2][kLegJoints];    // [side][joint - 1]
+  Joint headJoints[kHeadJoints];
   FRP leftFRP;
   FRP rightFRP;
   Vector gyrVector;

@@ -10,18 +10,10 @@
 
 namespace {
 
-constexpr int kFlags = 8;
-constexpr int kTeams = 2;
-constexpr int kPlayers = 11;
-
 // Sum of the distances, in metres, up to which sightings are taken to agree.
 constexpr double kMaxError = 4.0;
 // The height of the torso centre above the ground that every estimate is given, metres.
 constexpr float kTorsoHeight = 0.45f;
-
-// Counters of the localisation, for the debugger.
-int locCount = 0;
-unsigned c = 0;
 
 // Adjacent pairs of landmarks whose connecting lines run along the pitch's +x and +y axis.
 struct FlagPair {
@@ -32,6 +24,11 @@ constexpr FlagPair kAlongX[] = {{2, 0}, {6, 4}, {3, 1}, {7, 5}};
 constexpr FlagPair kAlongY[] = {{0, 1}, {4, 5}, {2, 3}, {6, 7}};
 
 }  // namespace
+
+// Counters of localize, global as the program's others are not: its runs in the last update with
+// vision, and in the whole process. No code reads them.
+int locCount = 0;
+unsigned c = 0;
 
 WorldModel::WorldModel() : timer(new Timer), ball(new Ball), mySelf(new Self), say(new Say) {
   // A message holds at most some twenty lines; room for them now keeps the cycle free of
@@ -95,55 +92,11 @@ void WorldModel::localize() {
   mySelf->calculateBodyRotation(fieldLine);
 
   for (int pass = 0; pass < 2; ++pass) {
-    // By landmark: an estimate of the own position, and the squared distance on the ground.
-    Vector vecs[kFlags];
-    float r[kFlags] = {};
-    Vector vec;
-    flagCounted = 0;
-    for (int k = 0; k < kFlags; ++k) {
-      if (!isSeenNow(flag[k])) continue;
-      flag[k].calculateRelativePosition(mySelf->body);
-      const Vector relative = flag[k].RelativePosition;
-      r[k] = relative.x * relative.x + relative.y * relative.y;
-      vecs[k] = flag[k].RealPosition - relative;
-      ++flagCounted;
-    }
-
-    // By ascending distance; the unseen, at 0, come first.
-    for (int sweep = 0; sweep < kFlags; ++sweep) {
-      for (int k = 0; k + 1 < kFlags; ++k) {
-        if (r[k] > r[k + 1]) {
-          std::swap(r[k], r[k + 1]);
-          const Vector farther = vecs[k];
-          vecs[k] = vecs[k + 1];
-          vecs[k + 1] = farther;
-        }
-      }
-    }
-
-    // The nearest landmark weighs most, as much as there are landmarks; the next one by one less.
-    // An estimate of exactly the pitch centre looks like an unseen landmark and is passed over.
-    int weight = flagCounted;
-    int sum = 0;
-    for (int k = 0; k < kFlags; ++k) {
-      if (vecs[k] == Vector()) continue;
-      vec += vecs[k] * static_cast<double>(weight);
-      sum += weight;
-      --weight;
-    }
+    Estimates estimates = estimateByLandmark();
+    sortByDistance(estimates);
     if (flagCounted == 0) continue;
-    vec = vec / static_cast<double>(sum);
-
-    // How far the estimates lie from their mean, on the ground. The index runs over landmark
-    // numbers, not over the landmarks in sight: of three in sight only those among numbers 0 to 2
-    // are looked at. Recorded behaviour; the blend below depends on it.
-    double errorLen = 0.0;
-    for (int i = 0; i < flagCounted; ++i) {
-      if (!isSeenNow(flag[i])) continue;
-      Vector difference = vec - (flag[i].RealPosition - flag[i].RelativePosition);
-      difference.setZ(0.0f);
-      errorLen += difference.getLength();
-    }
+    const Vector mean = weightedMean(estimates, flagCounted);
+    const double errorLen = disagreement(mean);
     if (errorLen > kMaxError || std::isnan(errorLen)) {
       ++isValidPosition;
     } else {
@@ -157,16 +110,71 @@ void WorldModel::localize() {
       correctRotation();
       continue;
     }
-
-    mySelf->setGyroRotation(mySelf->body);
-    const Vector lastPos = mySelf->GlobalPosition;
-    vec = (vec + lastPos * (1 + 2 * errorLen)) * (1 / (2 + 2 * errorLen));
-    vec.setZ(kTorsoHeight);
-    mySelf->setGlobalPosition(vec);
-    setRelativeAllObjects();
-    setGlobalAllObjects();
+    takePosition(mean, errorLen);
     return;
   }
+}
+
+WorldModel::Estimates WorldModel::estimateByLandmark() {
+  Estimates estimates;
+  flagCounted = 0;
+  for (int k = 0; k < kFlags; ++k) {
+    if (!isSeenNow(flag[k])) continue;
+    flag[k].calculateRelativePosition(mySelf->body);
+    const Vector relative = flag[k].RelativePosition;
+    estimates.squaredDistance[k] = relative.x * relative.x + relative.y * relative.y;
+    estimates.position[k] = flag[k].RealPosition - relative;
+    ++flagCounted;
+  }
+  return estimates;
+}
+
+void WorldModel::sortByDistance(Estimates& estimates) {
+  auto& [position, squaredDistance] = estimates;
+  for (int sweep = 0; sweep < kFlags; ++sweep) {
+    for (int k = 0; k + 1 < kFlags; ++k) {
+      if (squaredDistance[k] > squaredDistance[k + 1]) {
+        std::swap(squaredDistance[k], squaredDistance[k + 1]);
+        const Vector farther = position[k];
+        position[k] = position[k + 1];
+        position[k + 1] = farther;
+      }
+    }
+  }
+}
+
+Vector WorldModel::weightedMean(const Estimates& estimates, int counted) {
+  Vector mean;
+  int weight = counted;
+  int sum = 0;
+  for (const Vector& position : estimates.position) {
+    if (position == Vector()) continue;
+    mean += position * static_cast<double>(weight);
+    sum += weight;
+    --weight;
+  }
+  return mean / static_cast<double>(sum);
+}
+
+double WorldModel::disagreement(Vector mean) const {
+  double errorLen = 0.0;
+  for (int i = 0; i < flagCounted; ++i) {
+    if (!isSeenNow(flag[i])) continue;
+    Vector difference = mean - (flag[i].RealPosition - flag[i].RelativePosition);
+    difference.setZ(0.0f);
+    errorLen += difference.getLength();
+  }
+  return errorLen;
+}
+
+void WorldModel::takePosition(Vector mean, double errorLen) {
+  mySelf->setGyroRotation(mySelf->body);
+  const Vector lastPos = mySelf->GlobalPosition;
+  mean = (mean + lastPos * (1 + 2 * errorLen)) * (1 / (2 + 2 * errorLen));
+  mean.setZ(kTorsoHeight);
+  mySelf->setGlobalPosition(mean);
+  setRelativeAllObjects();
+  setGlobalAllObjects();
 }
 
 bool WorldModel::correctRotation() {

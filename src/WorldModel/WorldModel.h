@@ -12,6 +12,7 @@
 #include "WorldModel/Ball.h"
 #include "WorldModel/FieldLine.h"
 #include "WorldModel/Flag.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/Joint.h"
 #include "WorldModel/Player.h"
 #include "WorldModel/Self.h"
@@ -29,8 +30,10 @@
 //
 // Messages are untrusted: any bytes may come, and none harm more than the belief. An expression
 // that is not closed, a number for a joint, player or other table entry that does not exist, and a
-// sighting or reading whose numbers can't be read are dropped; a number that can't be read leaves
-// its field as it was.
+// sensor reading whose numbers can't be read are dropped; a number that can't be read leaves its
+// field as it was. A sighting counts even then, as the server does send "(pol nan nan nan)": the
+// object is seen now with the camera position that it had, and the end of a line with that of a new
+// line.
 class WorldModel {
  public:
   // REQUIRES: the configuration is loaded.
@@ -141,7 +144,7 @@ class WorldModel {
   bool isNewCommand = false;         // returned by parse, never set
   bool setFlagCheck = false;         // the landmark table is final
   bool visionThisCycle = false;      // the current message held vision
-  Flag flag[8];                      // see getFlagNumber
+  Flag flag[kFlags];                 // see getFlagNumber
   std::vector<FieldLine> fieldLine;  // lines of the current message
   TeamSide ourSide = SIDE_ILLEGAL;
   int flagCounted = 0;  // landmarks used in the last position estimate
@@ -153,11 +156,11 @@ class WorldModel {
   float gameTime = 0.0f;             // seconds; the one time base of the player
   FallOrientation fall = FALL_NONE;  // as the last isFall() found it
   Ball* ball;                        // owned
-  Player player[2][11];  // [0 own team, 1 opponents][uniform number - 1], on either side
-  Self* mySelf;          // owned
-  std::string heards;    // emptied by every hear
-  Say* say;              // owned
-  int s = 0;             // row of `player` that the player being parsed belongs to
+  Player player[kTeams][kPlayers];  // [0 own team, 1 opponents][uniform number - 1], on either side
+  Self* mySelf;                     // owned
+  std::string heards;               // emptied by every hear
+  Say* say;                         // owned
+  int s = 0;                        // row of `player` that the player being parsed belongs to
 
   // The last ball claim heard; it never ages.
   int fastestTeammateUnum = -1;
@@ -166,8 +169,36 @@ class WorldModel {
   double lastTimeHeard = -1.0;  // game time
 
  private:
+  // Where the agent stands by each landmark, pitch frame, and the squared distance of the landmark
+  // on the ground; zeros for the unseen.
+  struct Estimates {
+    Vector position[kFlags];
+    float squaredDistance[kFlags] = {};
+  };
+
+  // --- The steps of localize ---
+
+  // From the landmarks in sight, which it counts in flagCounted.
+  Estimates estimateByLandmark();
+  // By ascending distance; the unseen, at 0, come first.
+  static void sortByDistance(Estimates& estimates);
+  // The nearest landmark weighs most, as much as there are landmarks; the next one by one less. An
+  // estimate of exactly the pitch centre looks like an unseen landmark and is passed over.
+  static Vector weightedMean(const Estimates& estimates, int counted);
+  // How far the estimates lie from their mean, on the ground, in sum. The index runs over landmark
+  // numbers, not over the landmarks in sight: of three in sight only those among numbers 0 to 2 are
+  // looked at. Recorded behaviour; takePosition depends on it.
+  double disagreement(Vector mean) const;
+  // Blends the estimate with the last position, the more of the last the larger the error, and
+  // carries ball and players to the pitch frame.
+  void takePosition(Vector mean, double errorLen);
+
   // One seen player of a vision expression.
   void setPlayer(std::string_view expression);
+  // The player with that number; nullptr for a number outside 1 to 11.
+  Player* seenPlayer(std::string_view team, int number);
+  // The object is seen now, there in the camera frame.
+  void storeSighting(Object& object, Vector cameraPosition);
   const std::string& ownTeamName();
   bool isSeenNow(const Object& object) const { return object.LastTimeSeen == gameTime; }
 

@@ -7,6 +7,7 @@
 
 #include "Utilities/Config.h"
 #include "Utilities/Converter.h"
+#include "WorldModel/Game.h"
 #include "WorldModel/PerceptReader.h"
 #include "WorldModel/WorldModel.h"
 
@@ -16,8 +17,7 @@ namespace {
 // team of another name hears only teams of this one.
 constexpr std::string_view kTeamWord = "Quolnaris";
 
-// Single precision, widened where they meet a double: the rounding is part of the behaviour.
-constexpr float kCycle = 0.02f;        // seconds
+// Single precision, widened where it meets a double: the rounding is part of the behaviour.
 constexpr float kSampleWeight = 0.1f;  // of a new accelerometer sample
 constexpr double kMemoryWeight = 0.9;  // of the filtered accelerometer
 
@@ -26,8 +26,6 @@ constexpr double kMinAcceleration = 6.0;
 constexpr double kMaxAcceleration = 12.0;
 
 constexpr std::size_t kVisionHead = 5;  // the length of "(See "
-
-constexpr int kPlayers = 11;
 
 // The end, behind its ")", of the expression that starts with the "(" at `start`; npos if nothing
 // closes it.
@@ -48,7 +46,8 @@ bool readCartesian(PerceptReader& in, Vector& vector) {
   return true;
 }
 
-// A polar sighting: distance in metres, azimuth and elevation in degrees.
+// A polar sighting: distance in metres, azimuth and elevation in degrees. Leaves the target as it
+// was if one of the three can't be read, as the server does send them ("nan").
 bool readPolar(PerceptReader& in, Vector& vector) {
   double distance, azimuth, elevation;
   if (!in.read(distance, azimuth, elevation)) return false;
@@ -285,27 +284,37 @@ void WorldModel::setVision(std::string_view str) {
   std::string_view word;
   if (!in.read(word)) return;
   switch (letter(word, 1)) {
+    // A sighting counts whether or not its numbers can be read: without them the object is seen now
+    // where it was seen last, and the end of a line is where a new line has it.
     case 'B': {  // (B (pol D A E))
-      Vector seen;
+      Vector seen = ball->getCameraPosition();
       in.skip(1);
-      if (!readPolar(in, seen)) return;
+      readPolar(in, seen);
       addCameraBall(seen);
       updateBallVelocity();
       return;
     }
     case 'F':    // (F1L (pol D A E))
     case 'G': {  // (G1L (pol D A E))
-      Vector seen;
+      const int index = flagOfWord(word);
+      Vector seen = flag[index].getCameraPosition();
       in.skip(1);
-      if (readPolar(in, seen)) updateCameraFlag(seen, flagOfWord(word));
+      readPolar(in, seen);
+      updateCameraFlag(seen, index);
       return;
     }
     case 'L': {  // (L (pol D A E) (pol D A E))
+      PerceptReader end(in);
       Vector first, second;
       in.skip(1);
-      if (!readPolar(in, first)) return;
-      in.skip(2);
-      if (readPolar(in, second)) addCameraLine(first, second);
+      if (readPolar(in, first)) {
+        in.skip(2);
+      } else {
+        in = end;  // an end that can't be read must not hide the other
+        in.skip(5);
+      }
+      readPolar(in, second);
+      addCameraLine(first, second);
       return;
     }
     case 'P':
@@ -341,24 +350,29 @@ void WorldModel::setPlayer(std::string_view expression) {
   PerceptReader in(expression);
   std::string_view team, closing, part;
   int number;
-  double distance, azimuth, elevation;
   in.skip(2);
   in.read(team);
   in.skip(1);
-  in.read(number, closing, part);
-  in.skip(1);
-  if (!in.read(distance, azimuth, elevation)) return;
+  if (!in.read(number)) return;
   team.remove_suffix(1);  // its ")"
-  part.remove_prefix(1);  // its "("
-  setCameraPlayer(team, number, part, distance, azimuth, elevation);
+  Player* const seen = seenPlayer(team, number);
+  if (seen == nullptr) return;
+  Vector position = seen->getCameraPosition();
+  in.read(closing, part);
+  in.skip(1);
+  readPolar(in, position);
+  storeSighting(*seen, position);
 }
 
 void WorldModel::setCameraPlayer(std::string_view tname, int id, std::string_view /*pbody*/,
                                  double a1, double a2, double a3) {
-  if (id < 1 || id > kPlayers) return;
-  Player& seen = player[tname == ownTeamName() ? 0 : 1][id - 1];
-  seen.setCameraPosition(Vector(a1, a2, a3, SPHERICAL));
-  seen.setLastTimeSeen(gameTime);
+  Player* const seen = seenPlayer(tname, id);
+  if (seen != nullptr) storeSighting(*seen, Vector(a1, a2, a3, SPHERICAL));
+}
+
+Player* WorldModel::seenPlayer(std::string_view team, int number) {
+  if (number < 1 || number > kPlayers) return nullptr;
+  return &player[team == ownTeamName() ? 0 : 1][number - 1];
 }
 
 void WorldModel::setPositions(std::string_view strt) {
@@ -391,28 +405,27 @@ void WorldModel::setPositions(std::string_view strt) {
   for (const BodyPart& part : kBodyParts) {
     if (key != part.key) continue;
     // head (pol D A E), in single precision unlike all other sightings
+    if (id < 1 || id > kPlayers) return;
+    Player& seen = player[s][id - 1];
     float distance, azimuth, elevation;
     in.skip(2);
-    if (id < 1 || id > kPlayers || !in.read(distance, azimuth, elevation)) return;
-    Player& seen = player[s][id - 1];
-    seen.*part.position = Vector(distance, azimuth, elevation, SPHERICAL);
+    if (in.read(distance, azimuth, elevation)) {
+      seen.*part.position = Vector(distance, azimuth, elevation, SPHERICAL);
+    }
     seen.*part.lastTimeSeen = gameTime;
     return;
   }
 }
 
 bool WorldModel::addCameraBall(Vector vec) {
-  ball->setCameraPosition(vec);
-  ball->setLastTimeSeen(gameTime);
+  storeSighting(*ball, vec);
   return true;
 }
 
 bool WorldModel::addCameraLine(Vector vec1, Vector vec2) {
   Object first, second;
-  first.setCameraPosition(vec1);
-  first.setLastTimeSeen(gameTime);
-  second.setCameraPosition(vec2);
-  second.setLastTimeSeen(gameTime);
+  storeSighting(first, vec1);
+  storeSighting(second, vec2);
   FieldLine& line = fieldLine.emplace_back();
   line.setFirstPoint(first);
   line.setSecondPoint(second);
@@ -420,8 +433,12 @@ bool WorldModel::addCameraLine(Vector vec1, Vector vec2) {
 }
 
 void WorldModel::updateCameraFlag(Vector vec, int fno) {
-  flag[fno].setCameraPosition(vec);
-  flag[fno].setLastTimeSeen(gameTime);
+  storeSighting(flag[fno], vec);
+}
+
+void WorldModel::storeSighting(Object& object, Vector cameraPosition) {
+  object.setCameraPosition(cameraPosition);
+  object.setLastTimeSeen(gameTime);
 }
 
 void WorldModel::updateBallVelocity() {

@@ -244,7 +244,7 @@ PLAYER_TEST(BlockTest, ARunningPlayerStaysOnItsLine) {
 
 // --- realBlockExecute ----------------------------------------------------------------------------
 
-PLAYER_TEST(RealBlockTest, WalksToThePointFacingTheBall) {
+PLAYER_TEST(BlockRealTest, WalksToThePointFacingTheBall) {
   Blocking b(7);
   b.opponentAt(1, 7);
   b.p.me(-3.8, 7);
@@ -254,7 +254,7 @@ PLAYER_TEST(RealBlockTest, WalksToThePointFacingTheBall) {
   EXPECT_EQ(Block::blockCountDown, -1);
 }
 
-PLAYER_TEST(RealBlockTest, DefendersKeepAwayFromFarBlocksAndAfterABlock) {
+PLAYER_TEST(BlockRealTest, DefendersKeepAwayFromFarBlocksAndAfterABlock) {
   const auto takesPart = [](int number, double selfX, int doBlock) {
     Blocking b(number);
     b.opponentAt(1, 7);
@@ -271,7 +271,7 @@ PLAYER_TEST(RealBlockTest, DefendersKeepAwayFromFarBlocksAndAfterABlock) {
   EXPECT_TRUE(takesPart(7, -14, 9));  // higher numbers know no limits
 }
 
-PLAYER_TEST(RealBlockTest, InPlaceItHolds) {
+PLAYER_TEST(BlockRealTest, InPlaceItHolds) {
   Blocking b(7);
   b.opponentAt(1, 7);
   const auto run = [&](double x, double y, double heading) {
@@ -306,7 +306,7 @@ struct Extra : Blocking {
   }
 };
 
-PLAYER_TEST(ExtraBlockTest, TheNearestOfTheNumbersTwoToSixGoes) {
+PLAYER_TEST(BlockExtraTest, TheNearestOfTheNumbersTwoToSixGoes) {
   for (const int number : {2, 6}) {
     Extra e(number);
     e.p.see(0, number, -11, 0);
@@ -322,14 +322,14 @@ PLAYER_TEST(ExtraBlockTest, TheNearestOfTheNumbersTwoToSixGoes) {
 
 // The own entry counts by where it was seen, not by the own position; of equal ones the first of
 // the table goes.
-PLAYER_TEST(ExtraBlockTest, EqualDistancesKeepTheOrderOfTheTable) {
+PLAYER_TEST(BlockExtraTest, EqualDistancesKeepTheOrderOfTheTable) {
   Extra first(2);
   EXPECT_TRUE(first.run()) << "all are equally far";
   Extra second(3);
   EXPECT_FALSE(second.run());
 }
 
-PLAYER_TEST(ExtraBlockTest, OnlyForABallDeepInTheOwnHalf) {
+PLAYER_TEST(BlockExtraTest, OnlyForABallDeepInTheOwnHalf) {
   const auto goes = [](double x) {
     Extra e(2);
     e.opponentAt(x, 0);
@@ -339,7 +339,7 @@ PLAYER_TEST(ExtraBlockTest, OnlyForABallDeepInTheOwnHalf) {
   EXPECT_FALSE(goes(-8.9));
 }
 
-PLAYER_TEST(ExtraBlockTest, APlayerThatHasJustBlockedHoldsOn) {
+PLAYER_TEST(BlockExtraTest, APlayerThatHasJustBlockedHoldsOn) {
   Extra e(9);
   Block::blockCountDown = 0;
   Block::doBlockCD = 6;
@@ -352,7 +352,7 @@ PLAYER_TEST(ExtraBlockTest, APlayerThatHasJustBlockedHoldsOn) {
   EXPECT_FALSE(e.run());
 }
 
-PLAYER_TEST(ExtraBlockTest, ATeamWithoutSuchNumbersSendsNobody) {
+PLAYER_TEST(BlockExtraTest, ATeamWithoutSuchNumbersSendsNobody) {
   Extra e(9);
   for (Player& player : e.p.world.player[0]) player.setPlayerNumber(9);
   EXPECT_FALSE(e.run());

@@ -108,7 +108,7 @@ PLAYER_TEST(GoToPointExecuteTest, OtherStatesDoNothing) {
 
 // --- gtpDecide -----------------------------------------------------------------------------------
 
-PLAYER_TEST(GtpDecideTest, HandsTheWalkToDecide) {
+PLAYER_TEST(GoToPointGtpDecideTest, HandsTheWalkToDecide) {
   TestPlayer p(5);
   p.me(0, 0);
   p.arm();
@@ -119,7 +119,7 @@ PLAYER_TEST(GtpDecideTest, HandsTheWalkToDecide) {
   EXPECT_EQ(p.player.decide->cycle, 1);  // the period is the integer part, 10
 }
 
-PLAYER_TEST(GtpDecideTest, ResetsFirstWhenTheOtherWalkWasActive) {
+PLAYER_TEST(GoToPointGtpDecideTest, ResetsFirstWhenTheOtherWalkWasActive) {
   TestPlayer p(5);
   p.me(0, 0);
   p.arm();
@@ -141,7 +141,7 @@ PLAYER_TEST(GtpDecideTest, ResetsFirstWhenTheOtherWalkWasActive) {
   EXPECT_FALSE(p.player.goToPoint->rokhsat);
 }
 
-PLAYER_TEST(GtpDecideTest, ReservesOfItsState) {
+PLAYER_TEST(GoToPointGtpDecideTest, ReservesOfItsState) {
   TestPlayer p(5);
   p.me(0, 0);
   p.arm();
@@ -164,7 +164,7 @@ PLAYER_TEST(GtpDecideTest, ReservesOfItsState) {
 
 const Vector kFace(15, 0, 0);
 
-PLAYER_TEST(FineApproachTest, TurnsTowardsATargetAside) {
+PLAYER_TEST(GoToPointFineApproachTest, TurnsTowardsATargetAside) {
   TestPlayer p(5);
   p.me(0, 0, 21);
   p.arm();
@@ -176,7 +176,7 @@ PLAYER_TEST(FineApproachTest, TurnsTowardsATargetAside) {
   EXPECT_TRUE(p.player.goToPoint->rokhsat);
 }
 
-PLAYER_TEST(FineApproachTest, ComesSlowlyWithinTheLastMetre) {
+PLAYER_TEST(GoToPointFineApproachTest, ComesSlowlyWithinTheLastMetre) {
   TestPlayer p(5);
   p.me(2.9, 0);  // 1.19 m with the height
   p.arm();
@@ -193,7 +193,7 @@ PLAYER_TEST(FineApproachTest, ComesSlowlyWithinTheLastMetre) {
 }
 
 // The first fast stretch is remembered for ever: from then on the slow one is skipped.
-PLAYER_TEST(FineApproachTest, AfterAFastStretchTheFinalTurnComesEarly) {
+PLAYER_TEST(GoToPointFineApproachTest, AfterAFastStretchTheFinalTurnComesEarly) {
   TestPlayer p(5);
   p.me(1, 0);
   p.arm();
@@ -221,7 +221,7 @@ PLAYER_TEST(FineApproachTest, AfterAFastStretchTheFinalTurnComesEarly) {
   EXPECT_EQ(p.player.goToPoint->stateFineApproach, 3);
 }
 
-PLAYER_TEST(FineApproachTest, InPlaceItTurnsAndThenCirclesUntilItFaces) {
+PLAYER_TEST(GoToPointFineApproachTest, InPlaceItTurnsAndThenCirclesUntilItFaces) {
   TestPlayer p(5);
   p.me(4, 0);
   p.arm();
@@ -239,7 +239,7 @@ PLAYER_TEST(FineApproachTest, InPlaceItTurnsAndThenCirclesUntilItFaces) {
   EXPECT_FALSE(p.player.goToPoint->fineApproach(kTarget, kFace, 5, 0.5));
 }
 
-PLAYER_TEST(FineApproachTest, EachSwitchOfTheWalkCostsAReset) {
+PLAYER_TEST(GoToPointFineApproachTest, EachSwitchOfTheWalkCostsAReset) {
   TestPlayer p(5);
   p.me(0, 0);
   GoToPoint& action = *p.player.goToPoint;

@@ -8,7 +8,7 @@ namespace {
 
 using support::TestPlayer;
 
-TEST(WayTest, MeasuresTheKick) {
+TEST(PassWayTest, MeasuresTheKick) {
   const Way forward(Vector(0, 0, 0), Vector(3, 4, 0), Vector(1, 1, 0), 4.9, 7);
   EXPECT_EQ(forward.length, 5);
   EXPECT_EQ(forward.value, 5);

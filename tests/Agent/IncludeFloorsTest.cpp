@@ -39,6 +39,7 @@ constexpr Floor kFloors[] = {
     {"AdvancedAction/", 6},
     {"Agent/Agent.h", 7},
     {"Agent/AdvancedAgent.h", 7},
+    {"Decision/Positioning.h", 8},
     {"Decision/Decision.h", 8},
     {"Agent/OurPlayer.h", 9},
 };

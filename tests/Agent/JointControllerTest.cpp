@@ -17,7 +17,7 @@ JointController moving() {
   return c;
 }
 
-TEST(JointController, StartsAtZero) {
+TEST(JointControllerTest, StartsAtZero) {
   const JointController c;
   EXPECT_EQ(c.count, 0);
   EXPECT_EQ(c.preValue, 0);
@@ -26,14 +26,14 @@ TEST(JointController, StartsAtZero) {
   EXPECT_EQ(c.Angle, 0);
 }
 
-TEST(JointController, TakesAPercentageOfTheRemainingErrorOff) {
+TEST(JointControllerTest, TakesAPercentageOfTheRemainingErrorOff) {
   JointController c = moving();
   EXPECT_FALSE(c.setAngle(20, 50, 1, 6));
   EXPECT_EQ(c.Angle, 4);  // half of 20 - 12
   EXPECT_EQ(c.preValue, 20);
 }
 
-TEST(JointController, ClipsTheValueToTheLimitInBothDirections) {
+TEST(JointControllerTest, ClipsTheValueToTheLimitInBothDirections) {
   JointController c = moving();
   EXPECT_FALSE(c.setAngle(40, 100, 1, 6));
   EXPECT_EQ(c.Angle, 6);
@@ -43,7 +43,7 @@ TEST(JointController, ClipsTheValueToTheLimitInBothDirections) {
   EXPECT_EQ(c.Angle, 6);  // exactly the limit passes
 }
 
-TEST(JointController, ArrivesStrictlyWithinTheTolerance) {
+TEST(JointControllerTest, ArrivesStrictlyWithinTheTolerance) {
   JointController c = moving();
   EXPECT_TRUE(c.setAngle(12.5, 100, 1, 6));
   EXPECT_EQ(c.Angle, 0);
@@ -51,7 +51,7 @@ TEST(JointController, ArrivesStrictlyWithinTheTolerance) {
   EXPECT_EQ(c.Angle, 1);
 }
 
-TEST(JointController, AnArrivedTargetIsNotRemembered) {
+TEST(JointControllerTest, AnArrivedTargetIsNotRemembered) {
   JointController c = moving();
   EXPECT_FALSE(c.setAngle(20, 50, 1, 6));
   EXPECT_TRUE(c.setAngle(12.5, 50, 1, 6));
@@ -61,13 +61,13 @@ TEST(JointController, AnArrivedTargetIsNotRemembered) {
   EXPECT_EQ(c.count, 1);
 }
 
-TEST(JointController, ToleranceZeroNeverArrives) {
+TEST(JointControllerTest, ToleranceZeroNeverArrives) {
   JointController c = moving();
   EXPECT_FALSE(c.setAngle(12, 100, 0, 6));
   EXPECT_EQ(c.Angle, 0);
 }
 
-TEST(JointController, NotANumberStopsTheJointAndLeavesTheMemory) {
+TEST(JointControllerTest, NotANumberStopsTheJointAndLeavesTheMemory) {
   JointController c = moving();
   EXPECT_FALSE(c.setAngle(20, 50, 1, 6));
   EXPECT_FALSE(c.setAngle(20, 50, 1, 6));
@@ -79,7 +79,7 @@ TEST(JointController, NotANumberStopsTheJointAndLeavesTheMemory) {
 }
 
 // The call that remembers the target leaves count at 0; each repeat adds 1.
-TEST(JointController, AStalledJointWithinSixDegreesArrivesAtTheTwoHundredthRepeat) {
+TEST(JointControllerTest, AStalledJointWithinSixDegreesArrivesAtTheTwoHundredthRepeat) {
   JointController c = moving();
   constexpr float kTarget = 17;  // 5 degrees ahead of 12
   EXPECT_FALSE(c.setAngle(kTarget, 50, 1, 6));
@@ -95,13 +95,13 @@ TEST(JointController, AStalledJointWithinSixDegreesArrivesAtTheTwoHundredthRepea
   EXPECT_EQ(c.count, 201);
 }
 
-TEST(JointController, AStalledJointSixDegreesAwayIsDrivenWithoutEnd) {
+TEST(JointControllerTest, AStalledJointSixDegreesAwayIsDrivenWithoutEnd) {
   JointController c = moving();
   for (int call = 0; call < 400; ++call) ASSERT_FALSE(c.setAngle(18, 50, 1, 6)) << call;
   EXPECT_EQ(c.Angle, 3);
 }
 
-TEST(JointController, AnotherTargetStartsTheStallCountAgain) {
+TEST(JointControllerTest, AnotherTargetStartsTheStallCountAgain) {
   JointController c = moving();
   for (int call = 0; call < 150; ++call) c.setAngle(17, 50, 1, 6);
   EXPECT_EQ(c.count, 149);
@@ -110,13 +110,13 @@ TEST(JointController, AnotherTargetStartsTheStallCountAgain) {
 }
 
 // preValue starts at 0, so that a first target of 0 counts as repeated at once.
-TEST(JointController, ZeroIsTheRememberedTargetAtStart) {
+TEST(JointControllerTest, ZeroIsTheRememberedTargetAtStart) {
   JointController c = moving();
   EXPECT_FALSE(c.setAngle(0, 50, 1, 6));
   EXPECT_EQ(c.count, 1);
 }
 
-TEST(JointController, RotateSendsAnyValueAndOnlyReportsTheLimit) {
+TEST(JointControllerTest, RotateSendsAnyValueAndOnlyReportsTheLimit) {
   JointController c = moving();
   EXPECT_FALSE(c.rotateAngle(9, 6));
   EXPECT_EQ(c.Angle, 9);
@@ -124,7 +124,7 @@ TEST(JointController, RotateSendsAnyValueAndOnlyReportsTheLimit) {
   EXPECT_EQ(c.Angle, -6);
 }
 
-TEST(JointController, FastSetDrivesTheWholeErrorAtOnce) {
+TEST(JointControllerTest, FastSetDrivesTheWholeErrorAtOnce) {
   JointController c = moving();
   EXPECT_TRUE(c.fastSetAngle(14.5, 6));
   EXPECT_EQ(c.Angle, 2.5F);
@@ -136,7 +136,7 @@ TEST(JointController, FastSetDrivesTheWholeErrorAtOnce) {
   EXPECT_EQ(c.Angle, -6);
 }
 
-TEST(JointController, ANewCycleTakesTheSensedAngleAndClearsTheCommand) {
+TEST(JointControllerTest, ANewCycleTakesTheSensedAngleAndClearsTheCommand) {
   Joint joint("lae1", -30);
   JointController c(&joint);
   c.rotateAngle(4, 6);
@@ -150,7 +150,7 @@ TEST(JointController, ANewCycleTakesTheSensedAngleAndClearsTheCommand) {
 
 // In single precision 2^24 + 1 is 2^24. The tolerance looks at (target - sensed) - under way, which
 // is 1 here; the command at target - (under way + sensed), which is 0.
-TEST(JointController, ToleranceAndCommandRoundInTheirOwnOrder) {
+TEST(JointControllerTest, ToleranceAndCommandRoundInTheirOwnOrder) {
   JointController c;
   c.currentAngle = 16777216;
   c.lastAngle = 1;
@@ -161,7 +161,7 @@ TEST(JointController, ToleranceAndCommandRoundInTheirOwnOrder) {
 
 // The law once more, rule by rule, beside a controller that follows a joint through many motions:
 // targets that jump, creep, last for seconds or are no numbers, on a joint that lags or is stuck.
-TEST(JointController, FollowsTheLawOverLongSequencesOfSensedAngles) {
+TEST(JointControllerTest, FollowsTheLawOverLongSequencesOfSensedAngles) {
   constexpr int kCycles = 200000;
   constexpr float kLimit = 6;
   CaseCount arrivals("joints arrived", 10000);

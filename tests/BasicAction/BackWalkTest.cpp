@@ -4,10 +4,16 @@
 
 #include "BasicAction/Reset.h"
 #include "BasicAction/Walk.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::expectNoLegCommand;
+using support::FakeBody;
+using support::GaitNumbers;
+using support::GaitStep;
+using support::takeStance;
 
 // backWalk: Xtorso 0.5 x 60, Ytorso 0.25 x -10, Ztorso 0.25 x -70, Xankle x 90, Zankle x 50.
 constexpr GaitNumbers kNumbers = {.torso = {30, -2.5, -17.5},
@@ -17,30 +23,14 @@ constexpr GaitNumbers kNumbers = {.torso = {30, -2.5, -17.5},
 // 0.5 x 60 + 40.
 constexpr float kSpeed = 70;
 
-class BackWalkTest : public ::testing::Test {
+class BackWalkTest : public support::GaitFixture<BackWalk> {
  protected:
-  bool execute() { return gait.execute(); }
-  void start() {
-    takeStance(body, gait.basicWalkState, [this] { return execute(); });
-  }
-  void expect(const GaitStep& step) {
-    expectStep(
-        body, gait, gait.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
-  }
-
-  ::TestBody body;
-  BackWalk gait;
-  Feet feet;
+  void expect(const GaitStep& step) { expectStepOf(kNumbers, step); }
 };
 
 TEST_F(BackWalkTest, StartsFromTheFixedStance) {
-  body.nextCycle();
-  EXPECT_FALSE(gait.execute());
-  const Reset& reset = *body.agent.reset;
-  EXPECT_EQ(reset.State, 0);
-  EXPECT_EQ(reset.Speed, 10);
-  EXPECT_EQ(reset.SP, 5);
-  EXPECT_EQ(reset.heap, Vector(50, 0, -60));
+  expectStance(Reset::kFixedStance);
+  EXPECT_EQ(body.agent.reset->heap, Vector(50, 0, -60));
   start();
   EXPECT_EQ(gait.basicWalkState, 1);
 }
@@ -106,11 +96,11 @@ TEST_F(BackWalkTest, TheSpeedRampGrowsByATenthPerStepAndStopsAtItsEnd) {
 }
 
 TEST_F(BackWalkTest, TheSpeedIsNotCutToAWholeNumber) {
-  ::TestBody::configure("backWalk", "backwalk", "speed", "0.3");
+  FakeBody::configure("backWalk", "backwalk", "speed", "0.3");
   body.nextCycle();
   gait.execute();
   EXPECT_EQ(gait.sp, 0.3f * 60.0f + 40.0f);
-  ::TestBody::configure("backWalk", "backwalk", "Xankle", "0.1 0.3 0.7 0.9");
+  FakeBody::configure("backWalk", "backwalk", "Xankle", "0.1 0.3 0.7 0.9");
   body.nextCycle();
   gait.execute();
   EXPECT_EQ(gait.Xankle[2], 0.7f * 90.0f);

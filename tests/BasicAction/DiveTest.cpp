@@ -5,13 +5,25 @@
 #include <limits>
 #include <string>
 
+#include "support/FakeBody.h"
 #include "support/FrameCheck.h"
-#include "support/TestBody.h"
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
+using support::allOfBothHands;
+using support::allOfBothLegs;
+using support::bothHands;
+using support::bothLegs;
+using support::checkFrame;
+using support::CommandList;
+using support::expectDriven;
+using support::FakeBody;
+using support::handCommand;
+using support::legCommand;
+using support::placeInside;
+using support::placeOutside;
+using support::solvedLeg;
+using support::wholeHead;
 
 class DiveTest : public ::testing::Test {
  protected:
@@ -38,7 +50,7 @@ class DiveTest : public ::testing::Test {
            bothLegs(3, 80, 70, 5) + bothLegs(1, -65, 70, 5);
   }
 
-  ::TestBody body;
+  FakeBody body;
   Dive& dive = *body.agent.dive;
   std::string printed;
 };
@@ -93,7 +105,7 @@ TEST_F(DiveTest, FrontDiveLiesStillForItsCycles) {
   EXPECT_TRUE(dive.execute());
   EXPECT_EQ(dive.diveState, 0);
   EXPECT_EQ(Dive::freezeCycle, 3);  // only resetVars clears it
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 TEST_F(DiveTest, WithNoCyclesToLieTheDiveEndsAtOnce) {
@@ -233,7 +245,7 @@ TEST_F(DiveTest, ShortBlockDoesNothingWithinAnotherDive) {
   body.markCommands();
   EXPECT_FALSE(dive.execute());
   EXPECT_EQ(body.takeLog(), "return false\n");
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 TEST_F(DiveTest, ResetVars) {

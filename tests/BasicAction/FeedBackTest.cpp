@@ -3,13 +3,19 @@
 #include <gtest/gtest.h>
 
 #include "Decision/Actions.h"
+#include "support/FakeBody.h"
 #include "support/FrameCheck.h"
-#include "support/TestBody.h"
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
+using support::bothHands;
+using support::bothLegs;
+using support::checkFrame;
+using support::CommandList;
+using support::expectDriven;
+using support::FakeBody;
+using support::handCommand;
+using support::placeOutside;
 
 class FeedBackTest : public ::testing::Test {
  protected:
@@ -25,7 +31,7 @@ class FeedBackTest : public ::testing::Test {
     checkFrame(body, {[] {}, [&] { out = feedBack.execute(); }, [&] { return out; }, commands});
   }
 
-  ::TestBody body;
+  FakeBody body;
   FeedBack& feedBack = *body.agent.feedBack;
 };
 
@@ -87,7 +93,7 @@ TEST_F(FeedBackTest, QuietYieldsFalse) {
   body.world->mySelf->setAccellerator(Vector(0, 0, 9));
   body.markCommands();
   EXPECT_FALSE(feedBack.execute());
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 TEST_F(FeedBackTest, KeepsQuietDuringAReset) {
@@ -96,7 +102,7 @@ TEST_F(FeedBackTest, KeepsQuietDuringAReset) {
     body.agent.actions->NowAction.actionType = running;
     body.markCommands();
     EXPECT_TRUE(feedBack.execute());
-    EXPECT_FALSE(body.commanded({::TestBody::Limb::kHand, kLeft, 1}));
+    EXPECT_FALSE(body.commanded({FakeBody::Limb::kHand, kLeft, 1}));
   }
 }
 
@@ -116,7 +122,7 @@ TEST_F(FeedBackTest, FallInItsOtherVariantsMovesNothing) {
   EXPECT_TRUE(feedBack.fall());
   feedBack.fstate = 3;
   EXPECT_FALSE(feedBack.fall());
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 }  // namespace

@@ -7,10 +7,16 @@
 #include "BasicAction/Reset.h"
 #include "BasicAction/Walk.h"
 #include "Utilities/Config.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::expectNoLegCommand;
+using support::expectStep;
+using support::FakeBody;
+using support::GaitNumbers;
+using support::GaitStep;
 
 // forWalk: Xtorso 0.25 x 60, Ytorso 0.5 x -10, Ztorso 0.5 x -70, Xankle x 80, Zankle x 50.
 constexpr GaitNumbers kNumbers = {
@@ -19,20 +25,9 @@ constexpr GaitNumbers kNumbers = {
 // 0.25 x 70 + 30 = 47.5, cut.
 constexpr float kSpeed = 47;
 
-class ForWalkTest : public ::testing::Test {
+class ForWalkTest : public support::GaitFixture<ForWalk> {
  protected:
-  bool execute() { return gait.execute(); }
-  void start() {
-    takeStance(body, gait.basicWalkState, [this] { return execute(); });
-  }
-  void expect(const GaitStep& step) {
-    expectStep(
-        body, gait, gait.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
-  }
-
-  ::TestBody body;
-  ForWalk gait;
-  Feet feet;
+  void expect(const GaitStep& step) { expectStepOf(kNumbers, step); }
 };
 
 TEST_F(ForWalkTest, StartsWithTheWalkingStanceAndReportsNothingMeanwhile) {
@@ -151,8 +146,8 @@ TEST_F(ForWalkTest, ReadsTheConfigurationInEveryCycle) {
   body.nextCycle();
   gait.execute();
   EXPECT_EQ(gait.rx, 5);
-  ::TestBody::configure("forWalk", "forwalk", "Xankle", "0 1 0 0");
-  ::TestBody::configure("forWalk", "forwalk", "speed", "0.5");
+  FakeBody::configure("forWalk", "forwalk", "Xankle", "0 1 0 0");
+  FakeBody::configure("forWalk", "forwalk", "speed", "0.5");
   body.nextCycle();
   gait.execute();
   EXPECT_EQ(gait.rx, 5 + 0.5 * 80);
@@ -168,13 +163,13 @@ TEST_F(ForWalkTest, CutsTheSpeedBeforeAndAfterItsMultiplier) {
 }
 
 TEST_F(ForWalkTest, ScalesInSinglePrecision) {
-  ::TestBody::configure("forWalk", "forwalk", "Xtorso", "0.1");
-  ::TestBody::configure("forWalk", "forwalk", "Ytorso", "0.1");
-  ::TestBody::configure("forWalk", "forwalk", "Ztorso", "0.7");
-  ::TestBody::configure("forWalk", "forwalk", "Xankle", "0.1 0.3 0.7 0.9");
-  ::TestBody::configure("forWalk", "forwalk", "Zankle", "0.1 0.3 0.7 -1.1");
+  FakeBody::configure("forWalk", "forwalk", "Xtorso", "0.1");
+  FakeBody::configure("forWalk", "forwalk", "Ytorso", "0.1");
+  FakeBody::configure("forWalk", "forwalk", "Ztorso", "0.7");
+  FakeBody::configure("forWalk", "forwalk", "Xankle", "0.1 0.3 0.7 0.9");
+  FakeBody::configure("forWalk", "forwalk", "Zankle", "0.1 0.3 0.7 -1.1");
   // 0.39999998 x 70 + 30 is 57.999998 in double; in single precision it rounds to 58.
-  ::TestBody::configure("forWalk", "forwalk", "speed", "0.39999998");
+  FakeBody::configure("forWalk", "forwalk", "speed", "0.39999998");
   body.nextCycle();
   gait.execute();
   EXPECT_EQ(gait.Xtorso, 0.1f * 60.0f);
@@ -215,7 +210,7 @@ TEST_F(ForWalkTest, ClearsHeightAndPlacesAfterTheFourthPhaseOnly) {
     EXPECT_EQ(gait.sx, gait.rx);
   }
   // A height that does not sum to 0 is cleared all the same.
-  ::TestBody::configure("forWalk", "forwalk", "Zankle", "0 0 0 1");
+  FakeBody::configure("forWalk", "forwalk", "Zankle", "0 0 0 1");
   body.nextCycle();
   EXPECT_TRUE(gait.execute());
   EXPECT_EQ(gait.z, 0);
@@ -227,7 +222,7 @@ TEST_F(ForWalkTest, ClearsHeightAndPlacesAfterTheFourthPhaseOnly) {
 
 TEST_F(ForWalkTest, APoseOutOfReachStopsTheJointsConcerned) {
   start();
-  ::TestBody::configure("forWalk", "forwalk", "Ztorso", "-2");
+  FakeBody::configure("forWalk", "forwalk", "Ztorso", "-2");
   body.nextCycle();
   gait.execute();
   for (bool side : {kLeft, kRight}) {
@@ -296,9 +291,9 @@ TEST_F(ForWalkTest, ResetGivesTheValuesOfConstruction) {
 }
 
 TEST(ForWalkDeathTest, AListOfFewerThanFourValuesIsAFaultOfTheConfiguration) {
-  ::TestBody body;
+  FakeBody body;
   ForWalk gait;
-  ::TestBody::configure("forWalk", "forwalk", "Zankle", "1 2 3");
+  FakeBody::configure("forWalk", "forwalk", "Zankle", "1 2 3");
   EXPECT_DEATH(gait.execute(), "kPhases");
 }
 

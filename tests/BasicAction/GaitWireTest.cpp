@@ -17,17 +17,24 @@
 #include "BasicAction/Walk.h"
 #include "Command/Command.h"
 #include "Kinematics/InverseKinematic.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::FakeBody;
+using support::Feet;
+using support::GaitNumbers;
+using support::LegTargets;
+using support::legTargets;
+using support::pointAt;
 
 constexpr float kMaxSpeed = 6;
 
 class GaitWireTest : public ::testing::Test {
  protected:
   GaitWireTest() {
-    for (const auto& hinge : ::TestBody::hinges()) sensed[::TestBody::name(hinge)] = 0;
+    for (const auto& hinge : FakeBody::hinges()) sensed[FakeBody::name(hinge)] = 0;
     body.stand(Vector(0, 0, 0), 0);
   }
 
@@ -72,7 +79,7 @@ class GaitWireTest : public ::testing::Test {
     return terms;
   }
 
-  ::TestBody body;
+  FakeBody body;
   double time = 0;
   std::map<std::string, double> sensed;    // for the next percept
   std::map<std::string, double> previous;  // of the last percept
@@ -106,7 +113,7 @@ TEST_F(GaitWireTest, TheForwardGaitsSpeedsFollowFromSensedAnglesAndKeyFrames) {
         double theta[7];
         InverseKinematic().legSolverWith1(targets.torso, targets.ankle[side], theta, side, 0);
         for (int joint = 1; joint <= 6; ++joint) {
-          const std::string name = ::TestBody::name({::TestBody::Limb::kLeg, side, joint});
+          const std::string name = FakeBody::name({FakeBody::Limb::kLeg, side, joint});
           const double rest = theta[joint] - (last[name] + previous[name]);
           EXPECT_NEAR(now[name], std::clamp(0.47 * rest, -6.0, 6.0), 2e-3) << name;
         }

@@ -8,19 +8,30 @@
 #include "BasicAction/Reset.h"
 #include "Kinematics/InverseKinematic.h"
 #include "WorldModel/Ball.h"
+#include "support/FakeBody.h"
 #include "support/FrameCheck.h"
-#include "support/TestBody.h"
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
+using support::checkFrame;
+using support::CommandList;
+using support::expectDriven;
+using support::FakeBody;
+using support::Frame;
+using support::handCommand;
+using support::headCommand;
+using support::JointCommand;
+using support::legCommand;
+using support::placeInside;
+using support::placeOutside;
+using support::solvedLeg;
+using support::wholeBody;
 
 using Solver = bool (BasicAgent::*)(Vector, Vector, double*, bool, double, double, double);
 
 class KickTest : public ::testing::Test {
  protected:
-  void setType(int type) { ::TestBody::configure("Agent", "Public", "Type", std::to_string(type)); }
+  void setType(int type) { FakeBody::configure("Agent", "Public", "Type", std::to_string(type)); }
 
   // The twelve commands of a pose, from the given points and not from the action.
   CommandList pose(Solver solver, bool side, Vector torso, Vector ankleSide, Vector ankleOther,
@@ -64,10 +75,10 @@ class KickTest : public ::testing::Test {
       step();
       EXPECT_FALSE(left());
       issued.push_back(next);
-      for (const ::TestBody::Hinge& hinge : ::TestBody::hinges()) {
+      for (const FakeBody::Hinge& hinge : FakeBody::hinges()) {
         bool expected = false;
         for (const JointCommand& c : issued) expected |= c.hinge == hinge;
-        EXPECT_EQ(body.commanded(hinge), expected) << ::TestBody::name(hinge);
+        EXPECT_EQ(body.commanded(hinge), expected) << FakeBody::name(hinge);
       }
       EXPECT_FLOAT_EQ(body.target(next.hinge), next.value);
       EXPECT_NEAR(body.controller(next.hinge).Angle, next.gain / 100 * (next.error + 0.5), 1e-4);
@@ -77,7 +88,7 @@ class KickTest : public ::testing::Test {
     EXPECT_TRUE(left());
   }
 
-  ::TestBody body;
+  FakeBody body;
   Kick& kick = *body.agent.kick;
   std::string printed;
 };
@@ -164,7 +175,7 @@ TEST_F(KickTest, FirstAndLastFrameSetTheResetsParametersAndMoveNothing) {
     EXPECT_EQ(reset.State, 0);
     EXPECT_EQ(reset.Speed, 10);
     EXPECT_EQ(reset.SP, 5);
-    for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   }
   // After a finished kick the next one starts with the straightening.
   EXPECT_FALSE(kick.unstable());
@@ -204,7 +215,7 @@ TEST_F(KickTest, SingleJointFrames) {
     body.markCommands();
     EXPECT_FALSE(kick.unstable());
     EXPECT_EQ(kick.stableState, 15);
-    for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   }
 }
 
@@ -256,7 +267,7 @@ TEST_F(KickTest, AFrameThatNobodyHandlesNeverEnds) {
     body.markCommands();
     EXPECT_FALSE(kick.unstable());
     EXPECT_EQ(kick.stableState, 1700);
-    for (const auto& hinge : ::TestBody::hinges()) ASSERT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : FakeBody::hinges()) ASSERT_FALSE(body.commanded(hinge));
     body.nextCycle();
   }
   kick.resetVars();
@@ -431,7 +442,7 @@ TEST_F(KickTest, StrongKickNeverEndsByItself) {
   for (int cycle = 0; cycle < 300; ++cycle) {
     body.markCommands();
     EXPECT_FALSE(kick.unstable1());
-    for (const auto& hinge : ::TestBody::hinges()) ASSERT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : FakeBody::hinges()) ASSERT_FALSE(body.commanded(hinge));
     body.nextCycle();
   }
   EXPECT_EQ(kick.unStableState1, 80);
@@ -456,7 +467,7 @@ TEST_F(KickTest, StrongKickHasAnEndThatNothingLeadsTo) {
   EXPECT_EQ(body.agent.reset->State, 0);
   EXPECT_EQ(body.agent.reset->Speed, 10);
   EXPECT_EQ(body.agent.reset->SP, 5);
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 TEST_F(KickTest, FramesOfAStrongKickOnAnObeyingBody) {
@@ -532,7 +543,7 @@ TEST_F(KickTest, StepAsideSpreadsTheLegOverItsPoseAndStaysThere) {
     EXPECT_FALSE(kick.gotoside());
   }
   EXPECT_EQ(kick.gtside, 8);
-  EXPECT_NEAR(body.angle({::TestBody::Limb::kLeg, kRight, 2}), -45, 3);
+  EXPECT_NEAR(body.angle({FakeBody::Limb::kLeg, kRight, 2}), -45, 3);
 }
 
 TEST_F(KickTest, SideKickFollowsItsTable) {

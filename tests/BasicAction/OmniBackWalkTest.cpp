@@ -5,11 +5,19 @@
 #include <limits>
 
 #include "BasicAction/Reset.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
 #include "support/PairOracle.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::expectLikeOracle;
+using support::expectLine;
+using support::expectStep;
+using support::GaitNumbers;
+using support::GaitStep;
+using support::PairOracle;
+using support::pointAt;
 
 // backWalk: Xtorso 0.5 x 60, Ytorso 0.25 x -10, Ztorso 0.25 x -70, Xankle x 90, Zankle x 50.
 constexpr GaitNumbers kStraight = {.torso = {30, -2.5, -17.5},
@@ -32,7 +40,7 @@ constexpr GaitNumbers kUnwinding = {.torso = {30, -2.5, -17.5},
 // 0.5 x 60 + 40.
 constexpr float kSpeed = 70;
 
-class OmniBackWalkTest : public ::testing::Test {
+class OmniBackWalkTest : public support::GaitFixture<OmniBackWalk> {
  protected:
   OmniBackWalkTest() {
     body.stand(Vector(0, 0, 0), 0);
@@ -40,30 +48,16 @@ class OmniBackWalkTest : public ::testing::Test {
     aim(120);
   }
   void aim(double angle) { gait.v = pointAt(angle); }
-  bool execute() { return gait.execute(); }
-  void start() {
-    takeStance(body, gait.basicWalkState, [this] { return execute(); });
-  }
   void expect(const GaitStep& step) {
     const GaitNumbers& numbers = step.sequence == 2                         ? kOpening
                                  : step.sequence == 4 || step.sequence == 6 ? kUnwinding
                                                                             : kStraight;
-    expectStep(
-        body, gait, gait.basicWalkState, [this] { return execute(); }, numbers, step, feet);
+    expectStepOf(numbers, step);
   }
-
-  ::TestBody body;
-  OmniBackWalk gait;
-  Feet feet;
 };
 
 TEST_F(OmniBackWalkTest, StartsFromTheFixedStance) {
-  body.nextCycle();
-  EXPECT_FALSE(gait.execute());
-  const Reset& reset = *body.agent.reset;
-  EXPECT_EQ(reset.State, 0);
-  EXPECT_EQ(reset.Speed, 10);
-  EXPECT_EQ(reset.SP, 5);
+  expectStance(Reset::kFixedStance);
 }
 
 TEST_F(OmniBackWalkTest, ATargetToTheLeftRotatesTheRightLeg) {
@@ -244,16 +238,8 @@ TEST_F(OmniBackWalkTest, ResetGivesErrorSpeedAndRampAndKeepsYawAndPhaseCount) {
   EXPECT_EQ(gait.v, pointAt(120));
 }
 
-// The ten doubles that the arbiter clears after an end step stand first, in this order.
 TEST_F(OmniBackWalkTest, ItsFirstTenDoublesAreYawTorsoAndThreeStrides) {
-  const auto* start = reinterpret_cast<const char*>(&gait.RotZ);
-  const auto place = [start](const auto& field) {
-    return (reinterpret_cast<const char*>(&field) - start) / static_cast<int>(sizeof(double));
-  };
-  EXPECT_EQ(place(gait.Xtorso), 4);
-  EXPECT_EQ(place(gait.Ytorso), 5);
-  EXPECT_EQ(place(gait.Ztorso), 6);
-  EXPECT_EQ(place(gait.Xankle), 7);
+  expectFirstTenDoubles();
 }
 
 TEST_F(OmniBackWalkTest, FollowsTheRulesForTargetsThatJumpAbout) {

@@ -3,11 +3,18 @@
 #include <gtest/gtest.h>
 
 #include "BasicAction/Reset.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
 #include "support/PairOracle.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::expectLikeOracle;
+using support::expectLine;
+using support::GaitNumbers;
+using support::GaitStep;
+using support::PairOracle;
+using support::pointAt;
 
 // sideWalk, as it stands.
 constexpr GaitNumbers kStraight = {.torso = {28, 6, -66},
@@ -26,7 +33,7 @@ constexpr GaitNumbers kUnwinding = {.torso = {28, 6, -66},
 // 54.75, cut.
 constexpr float kSpeed = 54;
 
-class OmniSideWalkTest : public ::testing::Test {
+class OmniSideWalkTest : public support::GaitFixture<OmniSideWalk> {
  protected:
   OmniSideWalkTest() {
     body.stand(Vector(0, 0, 0), 0);
@@ -34,29 +41,14 @@ class OmniSideWalkTest : public ::testing::Test {
     aim(60);
   }
   void aim(double angle) { gait.v = pointAt(angle); }
-  bool execute() { return gait.execute(); }
-  void start() {
-    takeStance(body, gait.basicWalkState, [this] { return execute(); });
-  }
   void expect(const GaitStep& step) {
     const bool unwinding = step.sequence == 4 || step.sequence == 6;
-    expectStep(
-        body, gait, gait.basicWalkState, [this] { return execute(); },
-        unwinding ? kUnwinding : kStraight, step, feet);
+    expectStepOf(unwinding ? kUnwinding : kStraight, step);
   }
-
-  ::TestBody body;
-  OmniSideWalk gait;
-  Feet feet;
 };
 
 TEST_F(OmniSideWalkTest, StartsFromTheFixedStance) {
-  body.nextCycle();
-  EXPECT_FALSE(gait.execute());
-  const Reset& reset = *body.agent.reset;
-  EXPECT_EQ(reset.State, 0);
-  EXPECT_EQ(reset.Speed, 10);
-  EXPECT_EQ(reset.SP, 5);
+  expectStance(Reset::kFixedStance);
 }
 
 TEST_F(OmniSideWalkTest, TheQuarterOfTheTargetPicksDirectionAndLegs) {

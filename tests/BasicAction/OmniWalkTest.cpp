@@ -6,11 +6,19 @@
 #include <limits>
 
 #include "BasicAction/Reset.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
 #include "support/PairOracle.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::expectLikeOracle;
+using support::expectNoLegCommand;
+using support::FakeBody;
+using support::GaitNumbers;
+using support::GaitStep;
+using support::PairOracle;
+using support::pointAt;
 
 // omniWalk, normal walk: Xtorso 0.25 x 60 x 0.7, Ytorso -0.25 x -10, Ztorso 0.625 x -70,
 // Xankle x 50, Zankle x 50, RotZ as it stands.
@@ -23,7 +31,7 @@ constexpr GaitNumbers kNumbers = {.torso = {10.5, 2.5, -43.75},
 constexpr int kSpeed = 45;
 constexpr float kFirst = 4;
 
-class OmniWalkTest : public ::testing::Test {
+class OmniWalkTest : public support::GaitFixture<OmniWalk> {
  protected:
   OmniWalkTest() {
     body.stand(Vector(0, 0, 0), 0);
@@ -32,18 +40,9 @@ class OmniWalkTest : public ::testing::Test {
     aim(60);
   }
   void aim(double angle) { gait.v = pointAt(angle); }
-  bool execute() { return gait.execute(); }
-  void start() {
-    takeStance(body, gait.basicWalkState, [this] { return execute(); });
-  }
   void expect(const GaitStep& step, const GaitNumbers& numbers = kNumbers) {
-    expectStep(
-        body, gait, gait.basicWalkState, [this] { return execute(); }, numbers, step, feet);
+    expectStepOf(numbers, step);
   }
-
-  ::TestBody body;
-  OmniWalk gait;
-  Feet feet;
 };
 
 TEST_F(OmniWalkTest, StartsFromTheNeutralStance) {
@@ -257,8 +256,8 @@ TEST_F(OmniWalkTest, AnyOtherVariantHasTheLongStridesTorsoAndSpeedAndTheNormalSt
 }
 
 TEST_F(OmniWalkTest, TheTorsoOffsetLeavesSinglePrecisionForItsLastFactor) {
-  ::TestBody::configure("omniWalk", "omniwalk", "Xtorso", "0.1");
-  ::TestBody::configure("omniWalk", "omniwalk", "RotZ", "0.1 0.2 0.3 0.4");
+  FakeBody::configure("omniWalk", "omniwalk", "Xtorso", "0.1");
+  FakeBody::configure("omniWalk", "omniwalk", "RotZ", "0.1 0.2 0.3 0.4");
   body.nextCycle();
   gait.execute();
   EXPECT_EQ(gait.Xtorso, static_cast<double>(0.1f * 60.0f) * 0.7);
@@ -360,16 +359,8 @@ TEST_F(OmniWalkTest, AnUnwindingStepIsChosenInPhaseZeroOnly) {
   }
 }
 
-// The ten doubles that the arbiter clears after an end step stand first, in this order.
 TEST_F(OmniWalkTest, ItsFirstTenDoublesAreYawTorsoAndThreeStrides) {
-  const auto* start = reinterpret_cast<const char*>(&gait.RotZ);
-  const auto place = [start](const auto& field) {
-    return (reinterpret_cast<const char*>(&field) - start) / static_cast<int>(sizeof(double));
-  };
-  EXPECT_EQ(place(gait.Xtorso), 4);
-  EXPECT_EQ(place(gait.Ytorso), 5);
-  EXPECT_EQ(place(gait.Ztorso), 6);
-  EXPECT_EQ(place(gait.Xankle), 7);
+  expectFirstTenDoubles();
 }
 
 TEST_F(OmniWalkTest, FollowsTheRulesForTargetsThatJumpAbout) {

@@ -5,13 +5,20 @@
 #include <string>
 
 #include "Kinematics/InverseKinematic.h"
+#include "support/FakeBody.h"
 #include "support/FrameCheck.h"
-#include "support/TestBody.h"
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
+using support::bothHands;
+using support::bothLegs;
+using support::checkFrame;
+using support::CommandList;
+using support::FakeBody;
+using support::handCommand;
+using support::JointCommand;
+using support::placeInside;
+using support::placeOutside;
 
 class ResetTest : public ::testing::Test {
  protected:
@@ -40,7 +47,7 @@ class ResetTest : public ::testing::Test {
     EXPECT_EQ(reset.ankle, Vector(0, 0, 0));
   }
 
-  ::TestBody body;
+  FakeBody body;
   Reset& reset = *body.agent.reset;
 };
 
@@ -52,7 +59,7 @@ TEST_F(ResetTest, SetterStoresTheRequestAndMovesNothing) {
   EXPECT_EQ(reset.SP, 5);
   EXPECT_EQ(reset.type, AT_RESET);
   EXPECT_EQ(BasicAction::inAction, AT_RESET);
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
 }
 
 // The stances with the tests' configuration: forWalk 0.25, 0.5, 0.5 and backWalk 0.5.
@@ -73,13 +80,13 @@ TEST_F(ResetTest, EveryOtherStateTakesTheFixedStance) {
 TEST_F(ResetTest, ReadsTheConfigurationOnEveryCall) {
   reset.execute(1, 10, 5);
   reset.init();
-  ::TestBody::configure("forWalk", "forwalk", "Xtorso", "0.5");
+  FakeBody::configure("forWalk", "forwalk", "Xtorso", "0.5");
   reset.init();
   EXPECT_FLOAT_EQ(reset.heap.x, 40);
 }
 
 TEST_F(ResetTest, FactorsAreAppliedInSinglePrecision) {
-  ::TestBody::configure("forWalk", "forwalk", "Ztorso", "0.1");
+  FakeBody::configure("forWalk", "forwalk", "Ztorso", "0.1");
   reset.execute(1, 10, 5);
   reset.init();
   EXPECT_EQ(reset.heap.z, 0.1f * -70);
@@ -107,7 +114,7 @@ TEST_F(ResetTest, ReachesTheStanceFromStraightLegs) {
   InverseKinematic().legSolver(Vector(50, 0, -60), Vector(0, 0, 0), angles);
   for (bool side : {kLeft, kRight}) {
     for (int joint = 1; joint <= 6; ++joint) {
-      const float sensed = body.angle({::TestBody::Limb::kLeg, side, joint});
+      const float sensed = body.angle({FakeBody::Limb::kLeg, side, joint});
       EXPECT_NEAR(sensed, joint == 1 || joint == 6 ? 0 : angles[joint], 3.5) << joint;
     }
   }
@@ -122,7 +129,7 @@ TEST_F(ResetTest, AStuckJointHoldsTheStanceUntilItCountsAsStalled) {
   const CommandList commands = stanceCommands(Vector(50, 0, -60), 10, 5);
   placeInside(body, commands);
   body.leg(kRight, 4).preValue = 0;
-  const ::TestBody::Hinge knee{::TestBody::Limb::kLeg, kRight, 4};
+  const FakeBody::Hinge knee{FakeBody::Limb::kLeg, kRight, 4};
   for (const JointCommand& c : commands) {
     if (c.hinge == knee) body.place(knee, c.value - 3.1f);
   }

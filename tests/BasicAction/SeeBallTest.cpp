@@ -3,10 +3,18 @@
 #include <gtest/gtest.h>
 
 #include "WorldModel/Ball.h"
+#include "support/FakeBody.h"
 #include "support/FrameCheck.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::checkFrame;
+using support::CommandList;
+using support::FakeBody;
+using support::headCommand;
+using support::JointCommand;
+using support::placeInside;
+using support::placeOutside;
 
 constexpr int kPan = 1;
 constexpr int kTilt = 2;
@@ -18,7 +26,7 @@ class SeeBallTest : public ::testing::Test {
     body.world->ball->setLastTimeSeen(10 - seconds);
   }
 
-  ::TestBody body;
+  FakeBody body;
   SeeBall& seeBall = *body.agent.seeBall;
 };
 
@@ -95,7 +103,7 @@ TEST_F(SeeBallTest, AfterADownwardSweepTheTiltIsLevelledAgain) {
   seeBall.SeeAll();
   EXPECT_EQ(SeeBall::aroundState, 0);
   EXPECT_EQ(seeBall.lookDown, 0);
-  EXPECT_FALSE(body.commanded({::TestBody::Limb::kHead, false, kTilt}));
+  EXPECT_FALSE(body.commanded({FakeBody::Limb::kHead, false, kTilt}));
 }
 
 TEST_F(SeeBallTest, ThePanComesFirstAtTheEndOfASweep) {
@@ -104,7 +112,7 @@ TEST_F(SeeBallTest, ThePanComesFirstAtTheEndOfASweep) {
   placeOutside(body, {headCommand(kPan, -120, 70, 5)});
   body.markCommands();
   seeBall.SeeAll();
-  EXPECT_FALSE(body.commanded({::TestBody::Limb::kHead, false, kTilt}));
+  EXPECT_FALSE(body.commanded({FakeBody::Limb::kHead, false, kTilt}));
   EXPECT_EQ(SeeBall::aroundState, 2);
 }
 

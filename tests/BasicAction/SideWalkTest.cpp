@@ -3,10 +3,19 @@
 #include <gtest/gtest.h>
 
 #include "BasicAction/Reset.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::expectLegs;
+using support::expectLine;
+using support::expectNoLegCommand;
+using support::FakeBody;
+using support::Feet;
+using support::GaitNumbers;
+using support::GaitStep;
+using support::legTargets;
 
 // sideWalk, as it stands.
 constexpr GaitNumbers kNumbers = {.torso = {28, 6, -66},
@@ -17,7 +26,7 @@ constexpr GaitNumbers kNumbers = {.torso = {28, 6, -66},
 // 54.75, cut.
 constexpr float kSpeed = 54;
 
-class SideWalkTest : public ::testing::Test {
+class SideWalkTest : public support::GaitFixture<SideWalk> {
  protected:
   // The height of SideWalk::step outlives every gait: a whole step clears what other tests left.
   SideWalkTest() {
@@ -25,27 +34,11 @@ class SideWalkTest : public ::testing::Test {
     while (!other.step(0, kLeft)) continue;
     body.takeLog();
   }
-  bool execute() { return gait.execute(); }
-  void start() {
-    takeStance(body, gait.basicWalkState, [this] { return execute(); });
-  }
-  void expect(const GaitStep& step) {
-    expectStep(
-        body, gait, gait.basicWalkState, [this] { return execute(); }, kNumbers, step, feet);
-  }
-
-  ::TestBody body;
-  SideWalk gait;
-  Feet feet;
+  void expect(const GaitStep& step) { expectStepOf(kNumbers, step); }
 };
 
 TEST_F(SideWalkTest, StartsFromTheFixedStance) {
-  body.nextCycle();
-  EXPECT_FALSE(gait.execute());
-  const Reset& reset = *body.agent.reset;
-  EXPECT_EQ(reset.State, 0);
-  EXPECT_EQ(reset.Speed, 10);
-  EXPECT_EQ(reset.SP, 5);
+  expectStance(Reset::kFixedStance);
 }
 
 TEST_F(SideWalkTest, APositiveGainOpensLeftAndMayBeLeftAfterTheRightStep) {
@@ -108,8 +101,8 @@ TEST_F(SideWalkTest, AStepCutOffByAResetLeavesItsHeightToTheNext) {
 }
 
 TEST_F(SideWalkTest, ReadsTheConfigurationInEveryCycle) {
-  ::TestBody::configure("sideWalk", "sidewalk", "speed", "33.9");
-  ::TestBody::configure("sideWalk", "sidewalk", "Xtorso", "0.1");
+  FakeBody::configure("sideWalk", "sidewalk", "speed", "33.9");
+  FakeBody::configure("sideWalk", "sidewalk", "Xtorso", "0.1");
   body.nextCycle();
   gait.execute();
   EXPECT_EQ(gait.sp, 33);

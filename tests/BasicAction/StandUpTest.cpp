@@ -4,13 +4,23 @@
 
 #include "BasicAction/Reset.h"
 #include "Kinematics/InverseKinematic.h"
+#include "support/FakeBody.h"
 #include "support/FrameCheck.h"
-#include "support/TestBody.h"
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
+using support::allOfBothHands;
+using support::allOfBothLegs;
+using support::bothHands;
+using support::bothLegs;
+using support::checkFrame;
+using support::CommandList;
+using support::FakeBody;
+using support::handCommand;
+using support::JointCommand;
+using support::placeInside;
+using support::placeOutside;
+using support::wholeHead;
 
 class StandUpTest : public ::testing::Test {
  protected:
@@ -47,7 +57,7 @@ class StandUpTest : public ::testing::Test {
     return cycles;
   }
 
-  ::TestBody body;
+  FakeBody body;
   StandUp& standUp = *body.agent.standUp;
 };
 
@@ -94,7 +104,7 @@ TEST_F(StandUpTest, FrontOpensTheHipsAlone) {
 
 TEST_F(StandUpTest, FrontLeavesTheHipsAloneForFifteenCycles) {
   standUp.standUpFState = 1;
-  const ::TestBody::Hinge hip{::TestBody::Limb::kLeg, kRight, 3};
+  const FakeBody::Hinge hip{FakeBody::Limb::kLeg, kRight, 3};
   for (int call = 1; call <= 20; ++call) {
     body.markCommands();
     standUp.init_front();
@@ -169,10 +179,10 @@ TEST_F(StandUpTest, FlipWaitsForEachCommandBeforeTheNext) {
     EXPECT_FALSE(standUp.init_flip());
     EXPECT_EQ(standUp.flipState, 0);
     issued = issued + next;
-    for (const ::TestBody::Hinge& hinge : ::TestBody::hinges()) {
+    for (const FakeBody::Hinge& hinge : FakeBody::hinges()) {
       bool expected = false;
       for (const JointCommand& c : issued) expected |= c.hinge == hinge;
-      EXPECT_EQ(body.commanded(hinge), expected) << ::TestBody::name(hinge);
+      EXPECT_EQ(body.commanded(hinge), expected) << FakeBody::name(hinge);
     }
     for (const JointCommand& c : next) {
       EXPECT_FLOAT_EQ(body.target(c.hinge), c.value);
@@ -205,8 +215,8 @@ TEST_F(StandUpTest, SequencesEndOnAnObeyingBody) {
 }
 
 TEST_F(StandUpTest, AStuckJointHoldsTheSequence) {
-  body.place({::TestBody::Limb::kLeg, kLeft, 3}, 60);
-  body.setResponse({::TestBody::Limb::kLeg, kLeft, 3}, 0);
+  body.place({FakeBody::Limb::kLeg, kLeft, 3}, 60);
+  body.setResponse({FakeBody::Limb::kLeg, kLeft, 3}, 0);
   for (int cycle = 0; cycle < 500; ++cycle) {
     standUp.init_back();
     body.nextCycle();

@@ -2,27 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
-#include "support/TestBody.h"
+#include "support/FakeBody.h"
 
 namespace {
 
-TEST(SteppingTest, TheIntegerPartIsCutTowardsZero) {
-  EXPECT_EQ(stepping::integerPart(47.999), 47);
-  EXPECT_EQ(stepping::integerPart(-47.999), -47);
-  EXPECT_EQ(stepping::integerPart(0.9), 0);
-  EXPECT_EQ(stepping::integerPart(2147483647.5), 2147483647);
-  EXPECT_EQ(stepping::integerPart(-2147483648.0), std::numeric_limits<int>::min());
-}
-
-TEST(SteppingTest, AValueThatNoIntHoldsGivesTheLowestInt) {
-  const int lowest = std::numeric_limits<int>::min();
-  EXPECT_EQ(stepping::integerPart(2147483648.0), lowest);
-  EXPECT_EQ(stepping::integerPart(-1e300), lowest);
-  EXPECT_EQ(stepping::integerPart(std::numeric_limits<double>::infinity()), lowest);
-  EXPECT_EQ(stepping::integerPart(std::numeric_limits<double>::quiet_NaN()), lowest);
-}
+using support::FakeBody;
 
 TEST(SteppingTest, AFootMovesAndBothPlacesAreTold) {
   double right = 10, left = 20, swing = 0, standing = 0;
@@ -56,8 +40,8 @@ TEST(SteppingTest, TheFourthPhaseEndsAStep) {
 }
 
 TEST(SteppingTest, ASpeedStaysInSinglePrecisionUntilItIsCut) {
-  ::TestBody body;
-  ::TestBody::configure("Turn", "turn", "speed", "0.1");
+  FakeBody body;
+  FakeBody::configure("Turn", "turn", "speed", "0.1");
   const stepping::Table scaled = {
       .file = "Turn", .group = "turn", .stride = "Yankle", .speed = {70, 30}};
   EXPECT_EQ(stepping::readSpeed(scaled), 0.1f * 70.0f + 30.0f);

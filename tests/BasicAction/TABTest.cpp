@@ -6,11 +6,22 @@
 #include <string>
 
 #include "BasicAction/Reset.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
 #include "support/PairOracle.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::expectLikeOracle;
+using support::expectNoLegCommand;
+using support::expectStep;
+using support::FakeBody;
+using support::Feet;
+using support::GaitNumbers;
+using support::GaitStep;
+using support::PairOracle;
+using support::pointAt;
+using support::takeStance;
 
 // TAB, as it stands.
 constexpr GaitNumbers kNumbers = {.torso = {54, 3, -58},
@@ -46,14 +57,14 @@ class TABTest : public ::testing::Test {
     EXPECT_EQ(tab.basicWalkState, next);
   }
 
-  ::TestBody body;
+  FakeBody body;
   TAB tab;
   Feet feet;
 };
 
 TEST_F(TABTest, ARequestIsStoredAndLogged) {
   TAB fresh;
-  EXPECT_EQ(fresh.type, AT_NONE);
+  EXPECT_EQ(fresh.type, AT_TURN_AROUND_BALL);
   body.takeLog();
   EXPECT_EQ(fresh.execute(Vector(1, 2, 3), 4.5), &fresh);
   EXPECT_EQ(body.takeLog(), "TAB !!!!\n");

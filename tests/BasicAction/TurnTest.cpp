@@ -5,11 +5,22 @@
 #include <limits>
 
 #include "BasicAction/Reset.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
 #include "support/PairOracle.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::expectLikeOracle;
+using support::expectNoLegCommand;
+using support::expectStep;
+using support::FakeBody;
+using support::Feet;
+using support::GaitNumbers;
+using support::GaitStep;
+using support::PairOracle;
+using support::pointAt;
+using support::takeStance;
 
 // Turn, as it stands.
 constexpr GaitNumbers kNumbers = {.torso = {21, 2, -63},
@@ -50,7 +61,7 @@ class TurnTest : public ::testing::Test {
     EXPECT_EQ(turn.basicTurnState, next);
   }
 
-  ::TestBody body;
+  FakeBody body;
   Turn turn;
   Feet feet;
 };

@@ -8,10 +8,12 @@
 #include "BasicAction/OmniSideWalk.h"
 #include "BasicAction/OmniWalk.h"
 #include "BasicAction/SideWalk.h"
+#include "support/FakeBody.h"
 #include "support/GaitCheck.h"
-#include "support/TestBody.h"
 
 namespace {
+
+using support::FakeBody;
 
 const Vector kPoint(1, 2, 3);
 
@@ -44,7 +46,7 @@ TEST(WalkTest, ForWalkIsStoredAndRemembered) {
 }
 
 TEST(WalkTest, TheSpeedOfForWalkLastsUntilTheNextCycleOnly) {
-  ::TestBody body;
+  FakeBody body;
   Walk walk;
   walk.forWalk(1, 99, true, true);
   EXPECT_EQ(walk._forWalk->sp, 99);
@@ -134,7 +136,7 @@ TEST(WalkTest, OmniBackAndSideWalkRememberTheirTargetsElsewhere) {
 }
 
 TEST(WalkTest, EachRunnerRunsItsOwnGait) {
-  ::TestBody body;
+  FakeBody body;
   body.stand(Vector(0, 0, 0), 0);
   Walk& walk = *body.agent.walk;
   walk.omniWalk(kPoint, 1, 10, 0);

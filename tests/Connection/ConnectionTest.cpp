@@ -180,14 +180,14 @@ class ImpatientConnection {
   Connection connection;
 };
 
-TEST(SilenceDeathTest, AbortsWhenNothingComes) {
+TEST(ConnectionSilenceDeathTest, AbortsWhenNothingComes) {
   ImpatientConnection impatient;
   std::string msg;
   EXPECT_EXIT(impatient.connection.getMessage(msg), testing::KilledBySignal(SIGABRT),
               "^\\(selectInput\\) select failed [^\n]+\n$");
 }
 
-TEST(SilenceDeathTest, AbortsInTheMiddleOfAFrame) {
+TEST(ConnectionSilenceDeathTest, AbortsInTheMiddleOfAFrame) {
   ImpatientConnection impatient;
   impatient.server.sendRaw(FakeServer::frame("text").substr(0, 6));
   std::string msg;
@@ -195,7 +195,7 @@ TEST(SilenceDeathTest, AbortsInTheMiddleOfAFrame) {
               "\\(selectInput\\) select failed ");
 }
 
-TEST(SilenceDeathTest, SignalDoesNotEndTheWait) {
+TEST(ConnectionSilenceDeathTest, SignalDoesNotEndTheWait) {
   ImpatientConnection impatient;
   std::string msg;
   EXPECT_EXIT(
@@ -209,7 +209,7 @@ TEST(SilenceDeathTest, SignalDoesNotEndTheWait) {
       testing::KilledBySignal(SIGABRT), "select failed ");
 }
 
-TEST(SilenceDeathTest, WaitIsSixtySecondsByDefault) {
+TEST(ConnectionSilenceDeathTest, WaitIsSixtySecondsByDefault) {
   EXPECT_EQ(Connection::kSilenceLimit, 60);
 }
 

@@ -25,13 +25,16 @@
 #include "BasicAction/Turn.h"
 #include "BasicAction/Walk.h"
 #include "Kinematics/InverseKinematic.h"
+#include "support/FakeBody.h"
 #include "support/FrameCheck.h"
-#include "support/TestBody.h"
 
 namespace {
 
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
+using support::CommandList;
+using support::expectDriven;
+using support::FakeBody;
+using support::placeOutside;
+using support::wholeBody;
 
 // A mark in Reset::State that no action writes: it is gone once an end step ran.
 constexpr int kNoEndStep = 77;
@@ -62,15 +65,15 @@ class ActionsTest : public ::testing::Test {
     InverseKinematic().legSolver(hip, Vector(0, 0, 0), angles);
     body.placeAll(0);
     for (bool side : {kLeft, kRight}) {
-      body.place({::TestBody::Limb::kHand, side, 1}, -90);
-      body.place({::TestBody::Limb::kHand, side, 3}, side ? 90 : -90);
+      body.place({FakeBody::Limb::kHand, side, 1}, -90);
+      body.place({FakeBody::Limb::kHand, side, 3}, side ? 90 : -90);
       for (int joint = 2; joint <= 5; ++joint) {
-        body.place({::TestBody::Limb::kLeg, side, joint}, static_cast<float>(angles[joint]));
+        body.place({FakeBody::Limb::kLeg, side, joint}, static_cast<float>(angles[joint]));
       }
     }
   }
 
-  ::TestBody body;
+  FakeBody body;
   Agent& agent = body.agent;
   Actions& actions = *agent.actions;
   Walk& walk = *agent.walk;
@@ -93,7 +96,7 @@ struct Request {
   std::function<bool()> ran;
 };
 
-class RequestTest : public ActionsTest {
+class ActionsRequestTest : public ActionsTest {
  protected:
   // Away from the pitch centre, to which the parameters of a turn are reset.
   void SetUp() override { body.stand(Vector(1, -2, 0), 0); }
@@ -150,7 +153,7 @@ TEST_F(ActionsTest, StartState) {
   EXPECT_TRUE(actions.k);
 }
 
-TEST_F(RequestTest, TheFirstRequestRunsAtOnceWithoutAnEndStep) {
+TEST_F(ActionsRequestTest, TheFirstRequestRunsAtOnceWithoutAnEndStep) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     given(AT_NONE, true, false);
@@ -165,7 +168,7 @@ TEST_F(RequestTest, TheFirstRequestRunsAtOnceWithoutAnEndStep) {
 
 // --- The state table, row by row ---
 
-TEST_F(RequestTest, MayNotBeLeftAndDifferentTheRunningActionGoesOn) {
+TEST_F(ActionsRequestTest, MayNotBeLeftAndDifferentTheRunningActionGoesOn) {
   for (bool endStepIsRequired : {false, true}) {
     for (const Request& r : requests()) {
       SCOPED_TRACE(r.name);
@@ -186,7 +189,7 @@ TEST_F(RequestTest, MayNotBeLeftAndDifferentTheRunningActionGoesOn) {
   }
 }
 
-TEST_F(RequestTest, MayNotBeLeftAndTheSameGoesOn) {
+TEST_F(ActionsRequestTest, MayNotBeLeftAndTheSameGoesOn) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     given(r.type, false, false);
@@ -198,7 +201,7 @@ TEST_F(RequestTest, MayNotBeLeftAndTheSameGoesOn) {
   }
 }
 
-TEST_F(RequestTest, MayNotBeLeftAndTheSameWithAnEndStepDue) {
+TEST_F(ActionsRequestTest, MayNotBeLeftAndTheSameWithAnEndStepDue) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     given(r.type, false, true);
@@ -218,7 +221,7 @@ TEST_F(RequestTest, MayNotBeLeftAndTheSameWithAnEndStepDue) {
   }
 }
 
-TEST_F(RequestTest, MayBeLeftAndDifferentIsResetAndStarts) {
+TEST_F(ActionsRequestTest, MayBeLeftAndDifferentIsResetAndStarts) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     walkForwardMidStep();
@@ -234,7 +237,7 @@ TEST_F(RequestTest, MayBeLeftAndDifferentIsResetAndStarts) {
   }
 }
 
-TEST_F(RequestTest, MayBeLeftAndTheSameGoesOn) {
+TEST_F(ActionsRequestTest, MayBeLeftAndTheSameGoesOn) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     given(r.type, true, false);
@@ -245,7 +248,7 @@ TEST_F(RequestTest, MayBeLeftAndTheSameGoesOn) {
   }
 }
 
-TEST_F(RequestTest, MayBeLeftAndDifferentWithAnEndStepDueTakesTheEndStepFirst) {
+TEST_F(ActionsRequestTest, MayBeLeftAndDifferentWithAnEndStepDueTakesTheEndStepFirst) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     body.placeAll(0);
@@ -274,7 +277,7 @@ TEST_F(RequestTest, MayBeLeftAndDifferentWithAnEndStepDueTakesTheEndStepFirst) {
   }
 }
 
-TEST_F(RequestTest, MayBeLeftAndTheSameWithAnEndStepDue) {
+TEST_F(ActionsRequestTest, MayBeLeftAndTheSameWithAnEndStepDue) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     body.placeAll(0);
@@ -295,7 +298,7 @@ TEST_F(RequestTest, MayBeLeftAndTheSameWithAnEndStepDue) {
   }
 }
 
-TEST_F(RequestTest, CheckEndIsASecondReasonForAnEndStep) {
+TEST_F(ActionsRequestTest, CheckEndIsASecondReasonForAnEndStep) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     body.placeAll(0);
@@ -315,7 +318,7 @@ TEST_F(RequestTest, CheckEndIsASecondReasonForAnEndStep) {
 // --- Results ---
 
 // What each request yields in the very call in which the re-issued gait ends its step.
-TEST_F(RequestTest, ResultWhenTheReissuedGaitEndsItsStep) {
+TEST_F(ActionsRequestTest, ResultWhenTheReissuedGaitEndsItsStep) {
   for (const Request& r : requests()) {
     SCOPED_TRACE(r.name);
     walkForwardMidStep();
@@ -334,7 +337,7 @@ TEST_F(RequestTest, ResultWhenTheReissuedGaitEndsItsStep) {
 }
 
 // A re-issued reset, dive or stand-up does not set the flag that lets its result through.
-TEST_F(RequestTest, ResultOfAReissuedResetReachesOnlyResetAndDive) {
+TEST_F(ActionsRequestTest, ResultOfAReissuedResetReachesOnlyResetAndDive) {
   for (const Request& r : requests()) {
     if (r.type == AT_RESET) continue;
     SCOPED_TRACE(r.name);
@@ -349,7 +352,7 @@ TEST_F(RequestTest, ResultOfAReissuedResetReachesOnlyResetAndDive) {
 // lets its result through to a turn or gait request, a running reset, dive or stand-up does not.
 // Kick and turn around the ball never pass on a result that is not their own; reset and dive always
 // do.
-TEST_F(RequestTest, ResultsAcrossTheRecursionPairByPair) {
+TEST_F(ActionsRequestTest, ResultsAcrossTheRecursionPairByPair) {
   struct Running {
     const char* name;
     ActionType type;
@@ -425,7 +428,7 @@ TEST_F(ActionsTest, KickTypesRunTheirSequences) {
   EXPECT_EQ(kick.torso, Vector(40, -42, -10));
 
   for (int type : {0, 2}) {
-    ::TestBody::configure("Agent", "Public", "Type", std::to_string(type));
+    FakeBody::configure("Agent", "Public", "Type", std::to_string(type));
     kick.torso = Vector(0, 0, 0);
     given(AT_NONE, true, false);
     actions.ChangeAction(kick.execute(kRight));
@@ -439,7 +442,7 @@ TEST_F(ActionsTest, AnUnknownKickTypeRunsNothing) {
   kick.type = AT_SIDE_KICK;
   body.markCommands();
   EXPECT_TRUE(actions.ChangeAction(&kick));
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   EXPECT_EQ(actions.NowAction.actionType, AT_SIDE_KICK);
 }
 
@@ -459,11 +462,11 @@ TEST_F(ActionsTest, FirstCallOfANewTurnYieldsTrueAndMovesNothing) {
   const Vector target(-5, 3, 0);
   body.markCommands();
   EXPECT_TRUE(actions.ChangeAction(turn.execute(target, 5, 10)));
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   EXPECT_EQ(turn.v, Vector(0, 0, 0));
   // The second call turns.
   EXPECT_FALSE(actions.ChangeAction(turn.execute(target, 5, 10)));
-  EXPECT_TRUE(body.commanded({::TestBody::Limb::kLeg, kRight, 3}));
+  EXPECT_TRUE(body.commanded({FakeBody::Limb::kLeg, kRight, 3}));
 }
 
 // Likewise the first call of a left kick runs as a right one; its first frame moves nothing.
@@ -807,7 +810,7 @@ TEST_F(ActionsTest, AStandUpTakesOverInMidStep) {
     EXPECT_EQ(standUp.counter, 0);
     EXPECT_EQ(walk._forWalk->lx, 0);
     EXPECT_EQ(walk._forWalk->basicWalkState, 0);
-    EXPECT_TRUE(body.commanded({::TestBody::Limb::kLeg, kRight, 1}));
+    EXPECT_TRUE(body.commanded({FakeBody::Limb::kLeg, kRight, 1}));
   }
 }
 
@@ -872,7 +875,7 @@ TEST_F(ActionsTest, AStandUpIsFinishedBeforeAnyOtherAction) {
 
 // --- decideChangeAction ---
 
-class ReissueTest : public ActionsTest {
+class ActionsReissueTest : public ActionsTest {
  protected:
   // Asks for something else while `running` must go on.
   void goOn(ActionType running) {
@@ -882,7 +885,7 @@ class ReissueTest : public ActionsTest {
   }
 };
 
-TEST_F(ReissueTest, ForwardGaitWithItsRememberedParameters) {
+TEST_F(ActionsReissueTest, ForwardGaitWithItsRememberedParameters) {
   walkForwardMidStep();
   walk.forWalk(0.5f, 33, kLeft, true);
   walk.sideWalk(1);  // another request in between
@@ -899,7 +902,7 @@ TEST_F(ReissueTest, ForwardGaitWithItsRememberedParameters) {
   EXPECT_EQ(forwardPhase(), 2);
 }
 
-TEST_F(ReissueTest, BackGait) {
+TEST_F(ActionsReissueTest, BackGait) {
   walk.backWalk(-1, 0.7f);
   walk._backWalk->basicWalkState = 2;
   goOn(AT_BACKWALK);
@@ -909,7 +912,7 @@ TEST_F(ReissueTest, BackGait) {
   EXPECT_EQ(walk._backWalk->state, 1);
 }
 
-TEST_F(ReissueTest, SideGait) {
+TEST_F(ActionsReissueTest, SideGait) {
   walk.sideWalk(-0.5f);
   walk._sideWalk->basicWalkState = 1;
   goOn(AT_SIDEWALK_LEFT);
@@ -920,7 +923,7 @@ TEST_F(ReissueTest, SideGait) {
 
 // The setter has already stored the other way when the step must be finished: the step goes on as
 // the type that began it, with the new sign, and the type changes when it has ended.
-TEST_F(ReissueTest, ASideGaitAskedForTheOtherWayInMidStep) {
+TEST_F(ActionsReissueTest, ASideGaitAskedForTheOtherWayInMidStep) {
   for (float gain : {1.0f, -1.0f}) {
     const ActionType running = gain > 0 ? AT_SIDEWALK_RIGHT : AT_SIDEWALK_LEFT;
     const ActionType asked = gain > 0 ? AT_SIDEWALK_LEFT : AT_SIDEWALK_RIGHT;
@@ -947,7 +950,7 @@ TEST_F(ReissueTest, ASideGaitAskedForTheOtherWayInMidStep) {
   }
 }
 
-TEST_F(ReissueTest, OmniGait) {
+TEST_F(ActionsReissueTest, OmniGait) {
   const Vector target(4, 1, 0);
   walk.omniWalk(target, 0.8f, 12, 1);
   walk.omniBackWalk(Vector(-9, -9, 0), 3, 0.1f);  // writes preError, but not the target
@@ -960,7 +963,7 @@ TEST_F(ReissueTest, OmniGait) {
   EXPECT_EQ(walk._omniWalk->actionType, 0);  // falls back to the normal walk
 }
 
-TEST_F(ReissueTest, BackOmniGaitTakesSpeedForErrorAndErrorForSpeed) {
+TEST_F(ActionsReissueTest, BackOmniGaitTakesSpeedForErrorAndErrorForSpeed) {
   walk.omniWalk(Vector(4, 1, 0), 1, 5, 0);
   walk.omniBackWalk(Vector(-6, 2, 0), 10, 0.75f);
   goOn(AT_OMNIBACKWALK);
@@ -978,7 +981,7 @@ TEST_F(ReissueTest, BackOmniGaitTakesSpeedForErrorAndErrorForSpeed) {
   EXPECT_EQ(walk._omniBackWalk->speed, 0.75);
 }
 
-TEST_F(ReissueTest, SideOmniGaitGoesTowardsTheForwardGaitsTarget) {
+TEST_F(ActionsReissueTest, SideOmniGaitGoesTowardsTheForwardGaitsTarget) {
   walk.omniWalk(Vector(4, 1, 0), 1, 5, 0);
   walk.omniSideWalk(Vector(-6, 2, 0), 8);
   goOn(AT_OMNISIDEWALK);
@@ -987,7 +990,7 @@ TEST_F(ReissueTest, SideOmniGaitGoesTowardsTheForwardGaitsTarget) {
   EXPECT_EQ(walk._omniSideWalk->error, 8);
 }
 
-TEST_F(ReissueTest, TurnWithItsOwnParameters) {
+TEST_F(ActionsReissueTest, TurnWithItsOwnParameters) {
   turn.execute(Vector(3, 3, 0), 4, 20);
   goOn(AT_TURN);
   EXPECT_EQ(turn.v, Vector(3, 3, 0));
@@ -995,14 +998,14 @@ TEST_F(ReissueTest, TurnWithItsOwnParameters) {
   EXPECT_EQ(turn.finalAngle, 20);
 }
 
-TEST_F(ReissueTest, Reset) {
+TEST_F(ActionsReissueTest, Reset) {
   given(AT_RESET, false, false);
   actions.ChangeAction(kick.unstable(kRight));
   EXPECT_EQ(actions.NowAction.actionType, AT_RESET);
   EXPECT_TRUE(endStepRan());
 }
 
-TEST_F(ReissueTest, DiveTakesItsMirrorForItsCycles) {
+TEST_F(ActionsReissueTest, DiveTakesItsMirrorForItsCycles) {
   for (bool rotateSide : {false, true}) {
     dive.execute(0, 400, rotateSide);
     dive.diveState = 0;
@@ -1013,7 +1016,7 @@ TEST_F(ReissueTest, DiveTakesItsMirrorForItsCycles) {
   }
 }
 
-TEST_F(ReissueTest, AReissuedDiveEndsAsSoonAsItLies) {
+TEST_F(ActionsReissueTest, AReissuedDiveEndsAsSoonAsItLies) {
   dive.execute(0, 400, false);
   dive.diveState = 2;
   Dive::freezeCycle = 0;
@@ -1022,37 +1025,37 @@ TEST_F(ReissueTest, AReissuedDiveEndsAsSoonAsItLies) {
   EXPECT_TRUE(actions.preAction);
 }
 
-TEST_F(ReissueTest, Kick) {
+TEST_F(ActionsReissueTest, Kick) {
   kick.unstable(kRight);
   kick.stableState = 6;
-  body.place({::TestBody::Limb::kLeg, kRight, 4}, -132);
+  body.place({FakeBody::Limb::kLeg, kRight, 4}, -132);
   goOn(AT_UNSTABLE_KICK);
   EXPECT_EQ(kick.stableState, 7);
 }
 
 // Another kick has been asked for: the running one is no longer the kick's type, so nothing runs,
 // and the running one counts as ready to be left.
-TEST_F(ReissueTest, AKickOfAnotherTypeIsNotReissued) {
+TEST_F(ActionsReissueTest, AKickOfAnotherTypeIsNotReissued) {
   kick.unstable1(kRight);
   kick.stableState = 6;
   given(AT_UNSTABLE_KICK, false, false);
   body.markCommands();
   EXPECT_FALSE(actions.ChangeAction(&kick));
-  for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+  for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
   EXPECT_TRUE(actions.preAction);
   EXPECT_EQ(actions.NowAction.actionType, AT_UNSTABLE_KICK);
   actions.ChangeAction(&kick);
   EXPECT_EQ(actions.NowAction.actionType, AT_UNSTABLE1_KICK);
 }
 
-TEST_F(ReissueTest, TurnAroundBall) {
+TEST_F(ActionsReissueTest, TurnAroundBall) {
   tab.execute(Vector(5, 5, 0), 5);
   body.takeLog();
   goOn(AT_TURN_AROUND_BALL);
   EXPECT_NE(body.takeLog().find("turn Arond ball execute"), std::string::npos);
 }
 
-TEST_F(ReissueTest, StandUp) {
+TEST_F(ActionsReissueTest, StandUp) {
   standUp.back();
   standUp.standUpBState = 3;
   body.placeAll(0);
@@ -1060,13 +1063,13 @@ TEST_F(ReissueTest, StandUp) {
   EXPECT_EQ(standUp.standUpBState, 4);
 }
 
-TEST_F(ReissueTest, ATypeThatNamesNoActionRunsNothing) {
+TEST_F(ActionsReissueTest, ATypeThatNamesNoActionRunsNothing) {
   // AT_NONE names none either, although it is the type of actions that nobody has asked for yet.
   for (ActionType type : {AT_NONE, AT_ALL, AT_GO_TO_POINT, AT_WALK, AT_STABLE_KICK, AT_ENDSTEP}) {
     given(type, false, false);
     body.markCommands();
     EXPECT_EQ(actions.decideChangeAction(), type != AT_NONE);
-    for (const auto& hinge : ::TestBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
+    for (const auto& hinge : FakeBody::hinges()) EXPECT_FALSE(body.commanded(hinge));
     EXPECT_EQ(actions.NowAction.actionType, type);
   }
 }

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "AdvancedAction/Dribble.h"
@@ -290,16 +291,26 @@ PLAYER_TEST(MatchTest, TenMinutesOfAGoalieOnTheRight) {
   EXPECT_EQ(match.dives, 1);
 }
 
-PLAYER_TEST(MatchTest, AMinuteOfEveryNumberOnEitherSide) {
-  for (int number = 1; number <= 11; ++number) {
-    for (const TeamSide side : {SIDE_LEFT, SIDE_RIGHT}) {
-      SCOPED_TRACE(number);
-      Match match(number, side);
-      match.play(1);
-      report(match);
-      EXPECT_EQ(match.cycles, 60 * 50);
-    }
-  }
+class MatchNumberTest : public testing::TestWithParam<std::tuple<int, TeamSide>> {};
+
+TEST_P(MatchNumberTest, AMinuteOfEveryNumberOnEitherSide) {
+  support::inFreshProcess([] {
+    const auto [number, side] = GetParam();
+    Match match(number, side);
+    match.play(1);
+    report(match);
+    EXPECT_EQ(match.cycles, 60 * 50);
+  });
 }
+
+std::string nameOf(const testing::TestParamInfo<MatchNumberTest::ParamType>& test) {
+  const TeamSide side = std::get<1>(test.param);
+  return std::to_string(std::get<0>(test.param)) + (side == SIDE_LEFT ? "Left" : "Right");
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryNumber, MatchNumberTest,
+                         testing::Combine(testing::Range(1, kPlayers + 1),
+                                          testing::Values(SIDE_LEFT, SIDE_RIGHT)),
+                         nameOf);
 
 }  // namespace

@@ -170,7 +170,7 @@ std::vector<double> snapshot(const ForwardKinematic& fwd,
   return elements;
 }
 
-TEST(ForwardKinematic, NewModelHoldsFreshMatricesAndZeroVectors) {
+TEST(ForwardKinematicTest, NewModelHoldsFreshMatricesAndZeroVectors) {
   const ForwardKinematic fwd;
   ASSERT_EQ(kFields.size(), 22u);
   for (const auto& [name, field] : kFields) {
@@ -184,7 +184,7 @@ TEST(ForwardKinematic, NewModelHoldsFreshMatricesAndZeroVectors) {
   expectZero(fwd.leftLegRotation);
 }
 
-TEST(ForwardKinematic, StandardRobotStandingStraight) {
+TEST(ForwardKinematicTest, StandardRobotStandingStraight) {
   const RobotType standard(0);
   ForwardKinematic fwd;
   fwd.setLeftLeg(0, 0, 0, 0, 0, 0);
@@ -204,7 +204,7 @@ TEST(ForwardKinematic, StandardRobotStandingStraight) {
   expectNear(fwd.headCenter, 0, 0, 0.155);
 }
 
-TEST(ForwardKinematic, BentLegKeepsTheFootParallelToTheGround) {
+TEST(ForwardKinematicTest, BentLegKeepsTheFootParallelToTheGround) {
   const RobotType standard(0);
   ForwardKinematic fwd;
   fwd.setRightLeg(0, 0, 20, -40, 20, 0);
@@ -217,15 +217,15 @@ TEST(ForwardKinematic, BentLegKeepsTheFootParallelToTheGround) {
 }
 
 // Types 0 and 1 have links of their own, the others count as standard.
-class ForwardKinematicLegs : public testing::TestWithParam<std::tuple<int, bool>> {};
-INSTANTIATE_TEST_SUITE_P(TypesAndSides, ForwardKinematicLegs,
+class ForwardKinematicLegsTest : public testing::TestWithParam<std::tuple<int, bool>> {};
+INSTANTIATE_TEST_SUITE_P(TypesAndSides, ForwardKinematicLegsTest,
                          testing::Combine(testing::Values(0, 1, 2, 3, 4), testing::Bool()),
                          [](const auto& param) {
                            return "Type" + std::to_string(std::get<0>(param.param)) +
                                   (std::get<1>(param.param) ? "Right" : "Left");
                          });
 
-TEST_P(ForwardKinematicLegs, AgreeWithTheDollOfPinJoints) {
+TEST_P(ForwardKinematicLegsTest, AgreeWithTheDollOfPinJoints) {
   const auto [type, side] = GetParam();
   const RobotType configured(type);
   CaseCount positions("poses of a leg", kCases);
@@ -253,7 +253,7 @@ TEST_P(ForwardKinematicLegs, AgreeWithTheDollOfPinJoints) {
   }
 }
 
-TEST_P(ForwardKinematicLegs, TouchNothingElse) {
+TEST_P(ForwardKinematicLegsTest, TouchNothingElse) {
   const auto [type, side] = GetParam();
   const RobotType configured(type);
   Pose foot;
@@ -280,7 +280,7 @@ TEST_P(ForwardKinematicLegs, TouchNothingElse) {
   EXPECT_FALSE((side ? fwd.rightLegRotation : fwd.leftLegRotation) == Vector(0, 0, 0));
 }
 
-TEST_P(ForwardKinematicLegs, RollAndPitchOfTheFootAreReadSeparately) {
+TEST_P(ForwardKinematicLegsTest, RollAndPitchOfTheFootAreReadSeparately) {
   const auto [type, side] = GetParam();
   const RobotType configured(type);
   ForwardKinematic fwd;
@@ -295,7 +295,7 @@ TEST_P(ForwardKinematicLegs, RollAndPitchOfTheFootAreReadSeparately) {
   EXPECT_NEAR(foot({0, 0, 0, 0, 10, 0}).x, 0, 1e-6);
 }
 
-TEST(ForwardKinematicLegs, MirroredAnglesGiveMirroredPoints) {
+TEST(ForwardKinematicLegsTest, MirroredAnglesGiveMirroredPoints) {
   // Roll joints change sign between the legs; yaw-pitch and pitch joints do not.
   const RobotType standard(0);
   CaseCount cases("mirrored legs", kCases);
@@ -312,7 +312,7 @@ TEST(ForwardKinematicLegs, MirroredAnglesGiveMirroredPoints) {
   }
 }
 
-TEST(ForwardKinematicLegs, TypeIsLookedUpAtEachCall) {
+TEST(ForwardKinematicLegsTest, TypeIsLookedUpAtEachCall) {
   ForwardKinematic fwd;
   const RobotType one(1);
   fwd.setRightLeg(0, 0, 0, 0, 0, 0);
@@ -322,11 +322,11 @@ TEST(ForwardKinematicLegs, TypeIsLookedUpAtEachCall) {
   expectNear(fwd.rightLeg, 0, -0.055, -0.335);
 }
 
-class ForwardKinematicArms : public testing::TestWithParam<bool> {};
-INSTANTIATE_TEST_SUITE_P(Sides, ForwardKinematicArms, testing::Bool(),
+class ForwardKinematicArmsTest : public testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(Sides, ForwardKinematicArmsTest, testing::Bool(),
                          [](const auto& side) { return side.param ? "Right" : "Left"; });
 
-TEST_P(ForwardKinematicArms, AgreeWithTheDollOfPinJoints) {
+TEST_P(ForwardKinematicArmsTest, AgreeWithTheDollOfPinJoints) {
   CaseCount cases("poses of an arm", kCases);
   Draws draws(61);
   ForwardKinematic fwd;
@@ -341,7 +341,7 @@ TEST_P(ForwardKinematicArms, AgreeWithTheDollOfPinJoints) {
   }
 }
 
-TEST_P(ForwardKinematicArms, TouchNoOtherMatrix) {
+TEST_P(ForwardKinematicArmsTest, TouchNoOtherMatrix) {
   const RobotType standard(0);
   std::vector<Transform ForwardKinematic::*> others;
   const std::vector<Limb> own = expectedArm(GetParam(), Angles(4, 0.0));
@@ -362,7 +362,7 @@ TEST_P(ForwardKinematicArms, TouchNoOtherMatrix) {
   EXPECT_EQ(snapshot(fwd, others), before);
 }
 
-TEST(ForwardKinematicArms, RightArmAloneClearsTheOrientationOfTheFeet) {
+TEST(ForwardKinematicArmsTest, RightArmAloneClearsTheOrientationOfTheFeet) {
   const RobotType standard(0);
   ForwardKinematic fwd;
   fwd.setRightLeg(1, 2, 3, 4, 5, 6);
@@ -376,7 +376,7 @@ TEST(ForwardKinematicArms, RightArmAloneClearsTheOrientationOfTheFeet) {
   expectZero(fwd.leftLegRotation);
 }
 
-TEST(ForwardKinematicHead, MassCentreStaysAboveTheNeckAtAnyAngle) {
+TEST(ForwardKinematicHeadTest, MassCentreStaysAboveTheNeckAtAnyAngle) {
   CaseCount cases("poses of the head", kCases);
   Draws draws(71);
   ForwardKinematic fwd;
@@ -390,7 +390,7 @@ TEST(ForwardKinematicHead, MassCentreStaysAboveTheNeckAtAnyAngle) {
   }
 }
 
-TEST(ForwardKinematicHead, TouchesNoOtherField) {
+TEST(ForwardKinematicHeadTest, TouchesNoOtherField) {
   const RobotType standard(0);
   std::vector<Transform ForwardKinematic::*> others;
   for (const auto& field : kFields) {
@@ -407,7 +407,7 @@ TEST(ForwardKinematicHead, TouchesNoOtherField) {
   EXPECT_TRUE(fwd.leftLegRotation == foot);
 }
 
-TEST(ForwardKinematic, NotANumberSpreadsThroughItsLimbAlone) {
+TEST(ForwardKinematicTest, NotANumberSpreadsThroughItsLimbAlone) {
   const RobotType standard(0);
   ForwardKinematic fwd;
   fwd.setLeftLeg(0, 0, 0, 0, 0, 0);

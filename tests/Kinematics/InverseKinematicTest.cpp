@@ -26,9 +26,6 @@ constexpr int kCases = 10000;
 constexpr double kPi = 3.141592653589793;
 constexpr double kCoarsePi = 3.1415;
 constexpr double kUntouched = 12345;
-constexpr bool kLeft = false;
-constexpr bool kRight = true;
-
 Theta untouched() {
   Theta theta;
   theta.fill(kUntouched);
@@ -164,11 +161,12 @@ const std::vector<Vector>& ankles() {
   return points;
 }
 
-class ClosedForms : public testing::TestWithParam<int> {};
-INSTANTIATE_TEST_SUITE_P(InverseKinematic, ClosedForms, testing::Values(0, 1, 2, 3, 4),
+class InverseKinematicClosedFormsTest : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(InverseKinematic, InverseKinematicClosedFormsTest,
+                         testing::Values(0, 1, 2, 3, 4),
                          [](const auto& type) { return "Type" + std::to_string(type.param); });
 
-TEST_P(ClosedForms, LegSolverOverAGridOfPoses) {
+TEST_P(InverseKinematicClosedFormsTest, LegSolverOverAGridOfPoses) {
   const RobotType type(GetParam());
   CaseCount cases("poses of legSolver", 700);
   for (const Vector& torso : torsos()) {
@@ -181,7 +179,7 @@ TEST_P(ClosedForms, LegSolverOverAGridOfPoses) {
   }
 }
 
-TEST_P(ClosedForms, LegSolverWith1OverAGridOfPosesSidesAndYawPitchAngles) {
+TEST_P(InverseKinematicClosedFormsTest, LegSolverWith1OverAGridOfPosesSidesAndYawPitchAngles) {
   const RobotType type(GetParam());
   CaseCount cases("poses of legSolverWith1", 7000);
   for (const Vector& torso : torsos()) {
@@ -199,7 +197,7 @@ TEST_P(ClosedForms, LegSolverWith1OverAGridOfPosesSidesAndYawPitchAngles) {
   }
 }
 
-TEST_P(ClosedForms, RandomPoses) {
+TEST_P(InverseKinematicClosedFormsTest, RandomPoses) {
   const RobotType type(GetParam());
   CaseCount solved("random poses within reach", kCases);
   CaseCount unsolved("random poses out of reach", 500);
@@ -228,7 +226,7 @@ TEST_P(ClosedForms, RandomPoses) {
   }
 }
 
-TEST(InverseKinematic, StretchedLeg) {
+TEST(InverseKinematicTest, StretchedLeg) {
   const RobotType standard(0);
   const Theta theta = legSolver(Vector(0, 0, 0), Vector(0, 0, 0));
   EXPECT_EQ(theta[0], 0);
@@ -245,7 +243,7 @@ TEST(InverseKinematic, StretchedLeg) {
   EXPECT_NEAR(theta[5], -(hip + knee) * 180 / 3.1415 + 0.258508, 1e-11);
 }
 
-TEST(InverseKinematic, LowerTorsoBendsTheKnee) {
+TEST(InverseKinematicTest, LowerTorsoBendsTheKnee) {
   const RobotType standard(0);
   const Theta theta = legSolver(Vector(0, 0, -30), Vector(0, 0, 0));
   EXPECT_LT(theta[4], -10);
@@ -256,7 +254,7 @@ TEST(InverseKinematic, LowerTorsoBendsTheKnee) {
   for (int i = 0; i <= 6; ++i) EXPECT_EQ(raised[i], theta[i]) << "a raised ankle does the same";
 }
 
-TEST(InverseKinematic, PiIsCoarse) {
+TEST(InverseKinematicTest, PiIsCoarse) {
   // The ankle 100 to the right of the hip and 100 below it: an eighth of a circle of hip roll.
   const RobotType standard(0);
   const Theta theta = legSolver(Vector(0, 100, -120), Vector(0, 0, 0));
@@ -265,7 +263,7 @@ TEST(InverseKinematic, PiIsCoarse) {
   EXPECT_EQ(theta[6], -theta[2]);
 }
 
-TEST(InverseKinematic, QuotientOfTheHipRollIsSinglePrecision) {
+TEST(InverseKinematicTest, QuotientOfTheHipRollIsSinglePrecision) {
   const RobotType standard(0);
   int unlikeDouble = 0;
   for (int y = 1; y <= 40; ++y) {
@@ -278,14 +276,14 @@ TEST(InverseKinematic, QuotientOfTheHipRollIsSinglePrecision) {
   EXPECT_GT(unlikeDouble, 20);
 }
 
-TEST(InverseKinematic, HipAtTheHeightOfTheAnkleRollsByARightAngle) {
+TEST(InverseKinematicTest, HipAtTheHeightOfTheAnkleRollsByARightAngle) {
   const RobotType standard(0);
   const double right = (kPi / 2) * 180 / 3.1415;
   EXPECT_NEAR(legSolver(Vector(0, 10, -220), Vector(0, 0, 0))[2], -right, 1e-12);
   EXPECT_NEAR(legSolver(Vector(0, -10, -220), Vector(0, 0, 0))[2], right, 1e-12);
 }
 
-TEST(InverseKinematic, WithoutYawPitchBothFormsAgreeUpToTheCorrection) {
+TEST(InverseKinematicTest, WithoutYawPitchBothFormsAgreeUpToTheCorrection) {
   CaseCount cases("poses without yaw-pitch", kCases);
   for (const int type : {0, 1, 2, 3, 4}) {
     const RobotType configured(type);
@@ -306,7 +304,7 @@ TEST(InverseKinematic, WithoutYawPitchBothFormsAgreeUpToTheCorrection) {
   }
 }
 
-TEST(InverseKinematic, YawPitchGoesThroughUnchanged) {
+TEST(InverseKinematicTest, YawPitchGoesThroughUnchanged) {
   const RobotType standard(0);
   for (const double eng1 : {10.0, -37.123456789, 0.0}) {
     EXPECT_EQ(legSolverWith1(Vector(0, 0, -30), Vector(0, 0, 0), kLeft, eng1)[1], eng1);
@@ -314,7 +312,7 @@ TEST(InverseKinematic, YawPitchGoesThroughUnchanged) {
   }
 }
 
-TEST(InverseKinematic, CorrectionTakesThePitchAndRollOutOfTheFootInOneStep) {
+TEST(InverseKinematicTest, CorrectionTakesThePitchAndRollOutOfTheFootInOneStep) {
   // One step leaves a rest, which must be far smaller than what was there.
   const RobotType standard(0);
   const double radian = kPi / 180;
@@ -332,7 +330,7 @@ TEST(InverseKinematic, CorrectionTakesThePitchAndRollOutOfTheFootInOneStep) {
   }
 }
 
-TEST(InverseKinematic, CorrectionIsFormedInSinglePrecisionAndWithTheCoarsePi) {
+TEST(InverseKinematicTest, CorrectionIsFormedInSinglePrecisionAndWithTheCoarsePi) {
   const RobotType standard(0);
   int unlikeDouble = 0;
   CaseCount cases("corrections", 100);
@@ -370,7 +368,7 @@ std::pair<Theta, Theta> mirrorImages(Vector torso, Vector ankle, double eng1) {
                          kRight, eng1)};
 }
 
-TEST(InverseKinematic, MirroredPointsGiveTheOtherLegMirroredJoints) {
+TEST(InverseKinematicTest, MirroredPointsGiveTheOtherLegMirroredJoints) {
   // Both legs have the hip on the left; its offset of 55 is in the ankle too and cancels. The
   // yaw-pitch joint has one sense for both legs, the rolls change sign.
   for (const int type : {0, 1}) {
@@ -394,7 +392,7 @@ TEST(InverseKinematic, MirroredPointsGiveTheOtherLegMirroredJoints) {
   }
 }
 
-TEST(InverseKinematic, HipOfTypeThreeIsWiderThanTheAnkleAndDoesNotMirror) {
+TEST(InverseKinematicTest, HipOfTypeThreeIsWiderThanTheAnkleAndDoesNotMirror) {
   const RobotType three(3);
   const auto [left, right] = mirrorImages(Vector(0, 0, -30), Vector(0, 0, 0), 0);
   // 17.95 to the side, on the same side for both legs.
@@ -402,7 +400,7 @@ TEST(InverseKinematic, HipOfTypeThreeIsWiderThanTheAnkleAndDoesNotMirror) {
   EXPECT_NEAR(right[2], left[2], kDegrees);
 }
 
-TEST(InverseKinematic, AnkleBeyondReachGivesNoNumbers) {
+TEST(InverseKinematicTest, AnkleBeyondReachGivesNoNumbers) {
   const RobotType standard(0);
   const Theta plain = legSolver(Vector(0, 0, 0), Vector(0, 20, -40));
   EXPECT_TRUE(std::isfinite(plain[2]));
@@ -416,7 +414,7 @@ TEST(InverseKinematic, AnkleBeyondReachGivesNoNumbers) {
   EXPECT_TRUE(std::isnan(with[6])) << "the correction comes from a forward pass without numbers";
 }
 
-TEST(InverseKinematic, HipNotAboveTheAnkleIsWarnedOfOncePerCall) {
+TEST(InverseKinematicTest, HipNotAboveTheAnkleIsWarnedOfOncePerCall) {
   const RobotType standard(0);
   const std::string line = " " + std::string(64, '*') + "\n";
   const auto printed = [](double torsoZ, bool side) {
@@ -433,7 +431,7 @@ TEST(InverseKinematic, HipNotAboveTheAnkleIsWarnedOfOncePerCall) {
   }
 }
 
-TEST(InverseKinematic, LegSolverNeverWarns) {
+TEST(InverseKinematicTest, LegSolverNeverWarns) {
   const RobotType standard(0);
   testing::internal::CaptureStdout();
   legSolver(Vector(0, 0, -400), Vector(0, 0, 0));
@@ -455,7 +453,7 @@ std::vector<double> chainJoints(const Theta& theta) {
   return {theta[1] * r, theta[2] * r, -theta[3] * r, -theta[4] * r, -theta[5] * r, theta[6] * r};
 }
 
-TEST(InverseKinematicChain, PitchJointsChangeTheirSign) {
+TEST(InverseKinematicChainTest, PitchJointsChangeTheirSign) {
   // Joints of six different sizes, through the doll to a target and back.
   const std::vector<double> joints = {-0.2, 0.1, -0.6, 0.9, -0.35, -0.05};
   for (const bool side : {kLeft, kRight}) {
@@ -477,7 +475,7 @@ TEST(InverseKinematicChain, PitchJointsChangeTheirSign) {
   }
 }
 
-TEST(InverseKinematicChain, SoleReachesTheTarget) {
+TEST(InverseKinematicChainTest, SoleReachesTheTarget) {
   CaseCount cases("targets of the chain form", kCases);
   Draws draws(91);
   for (int n = 0; n < kCases; ++n) {
@@ -504,7 +502,7 @@ TEST(InverseKinematicChain, SoleReachesTheTarget) {
   }
 }
 
-TEST(InverseKinematicChain, IsTheFirstSolutionForATargetFormedInSinglePrecision) {
+TEST(InverseKinematicChainTest, IsTheFirstSolutionForATargetFormedInSinglePrecision) {
   const Vector torso(0.3f, -20.7f, -30.1f), ankle(11.1f, 0.7f, 15.3f);
   for (const bool side : {kLeft, kRight}) {
     const float x = (0 + ankle.x) - torso.x;
@@ -524,7 +522,7 @@ TEST(InverseKinematicChain, IsTheFirstSolutionForATargetFormedInSinglePrecision)
   }
 }
 
-TEST(InverseKinematicChain, UnreachableTargetLeavesThetaAlone) {
+TEST(InverseKinematicChainTest, UnreachableTargetLeavesThetaAlone) {
   for (const bool side : {kLeft, kRight}) {
     Theta theta = untouched();
     EXPECT_FALSE(chainSolver(Vector(0, 0, 10), Vector(0, 0, 0), theta, side));
@@ -532,7 +530,7 @@ TEST(InverseKinematicChain, UnreachableTargetLeavesThetaAlone) {
   }
 }
 
-TEST(InverseKinematicChain, StretchedLegHasTwoSolutionsOfWhichTheFirstIsWritten) {
+TEST(InverseKinematicChainTest, StretchedLegHasTwoSolutionsOfWhichTheFirstIsWritten) {
   for (const bool side : {kLeft, kRight}) {
     std::array<double, 14> theta;
     theta.fill(kUntouched);
@@ -543,7 +541,7 @@ TEST(InverseKinematicChain, StretchedLegHasTwoSolutionsOfWhichTheFirstIsWritten)
   }
 }
 
-TEST(InverseKinematicChain, ShortFormHasNoRotations) {
+TEST(InverseKinematicChainTest, ShortFormHasNoRotations) {
   for (const bool side : {kLeft, kRight}) {
     Theta whole = untouched(), brief = untouched();
     ASSERT_TRUE(chainSolver(Vector(0, 0, -30), Vector(10, 5, 0), whole, side));
@@ -555,7 +553,7 @@ TEST(InverseKinematicChain, ShortFormHasNoRotations) {
   }
 }
 
-TEST(InverseKinematicChain, SensedAnglesTakeNoPart) {
+TEST(InverseKinematicChainTest, SensedAnglesTakeNoPart) {
   Theta one = untouched(), other = untouched();
   ASSERT_TRUE(InverseKinematic().legSolver(Vector(0, 0, -30), Vector(0, 0, 0), one.data(), kLeft,
                                            std::vector<double>(6, 0.0), 0, 0, 0));
@@ -564,7 +562,7 @@ TEST(InverseKinematicChain, SensedAnglesTakeNoPart) {
   EXPECT_EQ(one, other);
 }
 
-TEST(InverseKinematicChain, DoesNotDependOnTheRobotType) {
+TEST(InverseKinematicChainTest, DoesNotDependOnTheRobotType) {
   const RobotType one(1);
   Theta first = untouched(), second = untouched();
   ASSERT_TRUE(chainSolver(Vector(0, 0, -30), Vector(0, 0, 0), first, kRight));

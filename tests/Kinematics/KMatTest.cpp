@@ -115,7 +115,7 @@ void expectTrueFlags(const Transform& t) {
 
 // Storage and handles.
 
-TEST(KMatStorage, DataContainerIsPlainRowMajorStorage) {
+TEST(KMatStorageTest, DataContainerIsPlainRowMajorStorage) {
   DataContainer<double, 2, 3> d;
   d.zero();
   d.data(1, 2) = 7;
@@ -126,7 +126,7 @@ TEST(KMatStorage, DataContainerIsPlainRowMajorStorage) {
   EXPECT_EQ(d.data(0, 0), 0);
 }
 
-TEST(KMatStorage, CountsOwners) {
+TEST(KMatStorageTest, CountsOwners) {
   RefCounted<DataContainer<double, 1, 1>> r;
   r.counts = 1;
   EXPECT_TRUE(r.isExclusive());
@@ -137,7 +137,7 @@ TEST(KMatStorage, CountsOwners) {
   EXPECT_TRUE(r.isExclusive());
 }
 
-TEST(KMatHandle, CopySharesAndCounts) {
+TEST(KMatHandleTest, CopySharesAndCounts) {
   const Square m = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   EXPECT_EQ(m.h->counts, 1u);
   {
@@ -148,7 +148,7 @@ TEST(KMatHandle, CopySharesAndCounts) {
   EXPECT_EQ(m.h->counts, 1u);
 }
 
-TEST(KMatHandle, AssignmentReleasesTheOldStorageAndSharesTheNew) {
+TEST(KMatHandleTest, AssignmentReleasesTheOldStorageAndSharesTheNew) {
   Square a = square({1, 0, 0, 0, 1, 0, 0, 0, 1});
   const Square b = square({2, 0, 0, 0, 2, 0, 0, 0, 2});
   const Square keepsOld = a;
@@ -159,7 +159,7 @@ TEST(KMatHandle, AssignmentReleasesTheOldStorageAndSharesTheNew) {
   EXPECT_EQ(keepsOld.read(0, 0), 1);
 }
 
-TEST(KMatHandle, AssignmentToItselfAndToAnotherOwnerOfTheSameStorageChangesNothing) {
+TEST(KMatHandleTest, AssignmentToItselfAndToAnotherOwnerOfTheSameStorageChangesNothing) {
   Square a = square({1, 0, 0, 0, 1, 0, 0, 0, 1});
   Square b = a;
   a = b;
@@ -170,7 +170,7 @@ TEST(KMatHandle, AssignmentToItselfAndToAnotherOwnerOfTheSameStorageChangesNothi
   EXPECT_EQ(a.read(2, 2), 1);
 }
 
-TEST(KMatHandle, CleanHandleReleasesAndReadsAsZeros) {
+TEST(KMatHandleTest, CleanHandleReleasesAndReadsAsZeros) {
   Square a = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   const Square b = a;
   a.cleanHandle();
@@ -180,7 +180,7 @@ TEST(KMatHandle, CleanHandleReleasesAndReadsAsZeros) {
   EXPECT_EQ(b.read(1, 1), 5);
 }
 
-TEST(KMatHandle, GetHandleTellsWhetherTheStorageIsNew) {
+TEST(KMatHandleTest, GetHandleTellsWhetherTheStorageIsNew) {
   Square a;
   EXPECT_TRUE(a.getHandle());
   EXPECT_EQ(a.h->counts, 1u);
@@ -193,7 +193,7 @@ TEST(KMatHandle, GetHandleTellsWhetherTheStorageIsNew) {
   EXPECT_EQ(b.h->counts, 1u);
 }
 
-TEST(KMatHandle, StorageThatWasGivenUpServesAgain) {
+TEST(KMatHandleTest, StorageThatWasGivenUpServesAgain) {
   Square a = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   const void* storage = a.h;
   a.cleanHandle();
@@ -205,7 +205,7 @@ TEST(KMatHandle, StorageThatWasGivenUpServesAgain) {
 
 // Elements.
 
-TEST(KMatElements, WriteToACopyLeavesTheSourceUnchanged) {
+TEST(KMatElementsTest, WriteToACopyLeavesTheSourceUnchanged) {
   const Square source = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   Square copy = source;
   copy.get(0, 0) = 42;
@@ -216,7 +216,7 @@ TEST(KMatElements, WriteToACopyLeavesTheSourceUnchanged) {
   EXPECT_EQ(copy.h->counts, 1u);
 }
 
-TEST(KMatElements, FirstWriteLeavesTheOtherElementsZero) {
+TEST(KMatElementsTest, FirstWriteLeavesTheOtherElementsZero) {
   Square m;
   m.get(1, 2) = 5;
   for (int i = 0; i < 3; ++i) {
@@ -224,7 +224,7 @@ TEST(KMatElements, FirstWriteLeavesTheOtherElementsZero) {
   }
 }
 
-TEST(KMatElements, ReadOutsideThrowsOnAWrittenMatrix) {
+TEST(KMatElementsTest, ReadOutsideThrowsOnAWrittenMatrix) {
   const Square m = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   for (const auto& [i, j] :
        std::vector<std::pair<int, int>>{{3, 0}, {0, 3}, {-1, 0}, {0, -1}, {1000000, 1000000}}) {
@@ -234,14 +234,14 @@ TEST(KMatElements, ReadOutsideThrowsOnAWrittenMatrix) {
   }
 }
 
-TEST(KMatElements, ReadOfANeverWrittenMatrixIsZeroWhateverTheIndices) {
+TEST(KMatElementsTest, ReadOfANeverWrittenMatrixIsZeroWhateverTheIndices) {
   const Square m;
   EXPECT_EQ(m.read(0, 0), 0);
   EXPECT_EQ(m.read(3, 0), 0);
   EXPECT_EQ(m.read(-1, 7), 0);
 }
 
-TEST(KMatElements, GetOutsideThrowsOnAnyMatrix) {
+TEST(KMatElementsTest, GetOutsideThrowsOnAnyMatrix) {
   Square written = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   Square never;
   Column v;
@@ -251,7 +251,7 @@ TEST(KMatElements, GetOutsideThrowsOnAnyMatrix) {
   EXPECT_EQ(textOf<MatrixIndexOutOfBoundsException>([&] { v.get(0, 1); }), kIndexText);
 }
 
-TEST(KMatElements, ExceptionsAreRuntimeErrorsThatAddTheirTextToTheOrigin) {
+TEST(KMatElementsTest, ExceptionsAreRuntimeErrorsThatAddTheirTextToTheOrigin) {
   static_assert(std::is_base_of_v<std::runtime_error, MatrixIndexOutOfBoundsException>);
   static_assert(std::is_base_of_v<std::runtime_error, SingularMatrixInvertionException>);
   EXPECT_STREQ(MatrixIndexOutOfBoundsException("here").what(),
@@ -260,7 +260,7 @@ TEST(KMatElements, ExceptionsAreRuntimeErrorsThatAddTheirTextToTheOrigin) {
                "there: SingularMatrixInvertionException : attempted to invert a singular matrix");
 }
 
-TEST(KMatElements, ProxyReadsWithoutCopyingAndWritesIntoAPrivateCopy) {
+TEST(KMatElementsTest, ProxyReadsWithoutCopyingAndWritesIntoAPrivateCopy) {
   Square m = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   const Square shares = m;
   const double read = m(1, 1);
@@ -275,7 +275,7 @@ TEST(KMatElements, ProxyReadsWithoutCopyingAndWritesIntoAPrivateCopy) {
   EXPECT_THROW(m(3, 0) = 1, MatrixIndexOutOfBoundsException);
 }
 
-TEST(KMatElements, ColumnHasOneIndex) {
+TEST(KMatElementsTest, ColumnHasOneIndex) {
   Column v = column(1, 2, 3);
   const Column& reader = v;
   EXPECT_EQ(reader(2), 3);
@@ -287,7 +287,7 @@ TEST(KMatElements, ColumnHasOneIndex) {
 
 // Sums and products with a number.
 
-TEST(KMatSums, AddAndPlusAssignWorkElementwise) {
+TEST(KMatSumsTest, AddAndPlusAssignWorkElementwise) {
   Square a = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   const Square b = square({10, 20, 30, 40, 50, 60, 70, 80, 90});
   a.add(b);
@@ -300,7 +300,7 @@ TEST(KMatSums, AddAndPlusAssignWorkElementwise) {
   EXPECT_EQ(b.read(2, 1), 80);
 }
 
-TEST(KMatSums, AddLeavesTheMatrixUnchangedIfEitherSideWasNeverWritten) {
+TEST(KMatSumsTest, AddLeavesTheMatrixUnchangedIfEitherSideWasNeverWritten) {
   Square written = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   const void* storage = written.h;
   Square never;
@@ -311,7 +311,7 @@ TEST(KMatSums, AddLeavesTheMatrixUnchangedIfEitherSideWasNeverWritten) {
   EXPECT_EQ(never.h, nullptr) << "the sum is dropped";
 }
 
-TEST(KMatSums, AddToItselfDoublesAndKeepsOtherOwners) {
+TEST(KMatSumsTest, AddToItselfDoublesAndKeepsOtherOwners) {
   Square a = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   const Square b = a;
   a.add(a);
@@ -321,7 +321,7 @@ TEST(KMatSums, AddToItselfDoublesAndKeepsOtherOwners) {
   EXPECT_EQ(a.read(2, 2), 0);
 }
 
-TEST(KMatSums, ScalarMultScalesAPrivateCopyAndKeepsANeverWrittenMatrix) {
+TEST(KMatSumsTest, ScalarMultScalesAPrivateCopyAndKeepsANeverWrittenMatrix) {
   Column a = column(1, -2, 3);
   const Column b = a;
   a.scalar_mult(-2);
@@ -335,7 +335,7 @@ TEST(KMatSums, ScalarMultScalesAPrivateCopyAndKeepsANeverWrittenMatrix) {
 
 // Square matrices.
 
-TEST(KMatInverse, ZeroMatrixIsSingular) {
+TEST(KMatInverseTest, ZeroMatrixIsSingular) {
   Square never;
   EXPECT_EQ(textOf<SingularMatrixInvertionException>([&] { invert_square_matrix(never); }),
             kSingularText);
@@ -344,13 +344,13 @@ TEST(KMatInverse, ZeroMatrixIsSingular) {
   EXPECT_EQ(textOf<SingularMatrixInvertionException>([&] { zeros.fast_invert(); }), kSingularText);
 }
 
-TEST(KMatInverse, ReflectionCountsAsSingular) {
+TEST(KMatInverseTest, ReflectionCountsAsSingular) {
   Square m = square({1, 0, 0, 0, 1, 0, 0, 0, -1});
   EXPECT_EQ(textOf<SingularMatrixInvertionException>([&] { m.fast_invert(); }), kSingularText);
   EXPECT_EQ(m.read(2, 2), -1) << "stays as it was";
 }
 
-TEST(KMatInverse, DeterminantMustExceedTheBound) {
+TEST(KMatInverseTest, DeterminantMustExceedTheBound) {
   const double bound = 2.220446049250313e-16;
   Square at = square({bound, 0, 0, 0, 1, 0, 0, 0, 1});
   EXPECT_THROW(at.fast_invert(), SingularMatrixInvertionException);
@@ -361,7 +361,7 @@ TEST(KMatInverse, DeterminantMustExceedTheBound) {
   EXPECT_THROW(notANumber.fast_invert(), SingularMatrixInvertionException);
 }
 
-TEST(KMatInverse, HandWorkedExample) {
+TEST(KMatInverseTest, HandWorkedExample) {
   // det = 2 * 3 * 4 - 1 * 0 + ... = 24 for this upper triangular matrix.
   Square m = square({2, 1, 1, 0, 3, 1, 0, 0, 4});
   m.fast_invert();
@@ -370,7 +370,7 @@ TEST(KMatInverse, HandWorkedExample) {
   for (int i = 0; i < 9; ++i) EXPECT_DOUBLE_EQ(m.read(i / 3, i % 3), expected[i]) << i;
 }
 
-TEST(KMatInverse, AgreesWithEigenAndKeepsOtherOwners) {
+TEST(KMatInverseTest, AgreesWithEigenAndKeepsOtherOwners) {
   CaseCount cases("inverse of a 3x3 matrix", kCases);
   Draws draws(1);
   for (int inverted = 0; inverted < kCases;) {
@@ -392,7 +392,7 @@ TEST(KMatInverse, AgreesWithEigenAndKeepsOtherOwners) {
   }
 }
 
-TEST(KMatTransposition, SwapsInPlaceInAPrivateCopy) {
+TEST(KMatTranspositionTest, SwapsInPlaceInAPrivateCopy) {
   Square m = square({1, 2, 3, 4, 5, 6, 7, 8, 9});
   const Square source = m;
   m.fast_transp();
@@ -407,7 +407,7 @@ TEST(KMatTransposition, SwapsInPlaceInAPrivateCopy) {
 
 // Copy-on-write as a whole: a crowd of matrices that share storage in every way must behave like
 // plain values.
-TEST(KMatCopyOnWrite, NeverWritesThrough) {
+TEST(KMatCopyOnWriteTest, NeverWritesThrough) {
   constexpr int kCrowd = 8;
   CaseCount cases("operation on shared matrices", kCases);
   Draws draws(2);
@@ -466,7 +466,7 @@ TEST(KMatCopyOnWrite, NeverWritesThrough) {
 
 // Transforms.
 
-TEST(KMatTransform, NewTransformHasNoStorageAndNoFlag) {
+TEST(KMatTransformTest, NewTransformHasNoStorageAndNoFlag) {
   const Transform t;
   EXPECT_EQ(t.A.h, nullptr);
   EXPECT_EQ(t.B.h, nullptr);
@@ -475,7 +475,7 @@ TEST(KMatTransform, NewTransformHasNoStorageAndNoFlag) {
   EXPECT_FALSE(t.BisZero);
 }
 
-TEST(KMatTransform, CopySharesBothBlocksAndTakesTheFlags) {
+TEST(KMatTransformTest, CopySharesBothBlocksAndTakesTheFlags) {
   const Transform t = translation(1, 2, 3);
   const Transform copy = t;
   Transform assigned;
@@ -490,7 +490,7 @@ TEST(KMatTransform, CopySharesBothBlocksAndTakesTheFlags) {
   EXPECT_EQ(t.A.h->counts, 3u);
 }
 
-TEST(KMatTransform, IdentityAndZero) {
+TEST(KMatTransformTest, IdentityAndZero) {
   Transform t = transform(1, 2, 3, 0.1, 0.2, 0.3);
   t.identity();
   EXPECT_EQ(eigen(t), Eigen::Matrix4d::Identity().eval());
@@ -507,7 +507,7 @@ TEST(KMatTransform, IdentityAndZero) {
   EXPECT_TRUE(t.BisZero);
 }
 
-TEST(KMatTransform, ElementsOfTheImplicitFourByFourForm) {
+TEST(KMatTransformTest, ElementsOfTheImplicitFourByFourForm) {
   Transform t = transform(1, 2, 3, 0, 0, kPi / 2);
   EXPECT_EQ(t.read(0, 3), 1);
   EXPECT_EQ(t.read(2, 3), 3);
@@ -528,7 +528,7 @@ TEST(KMatTransform, ElementsOfTheImplicitFourByFourForm) {
   EXPECT_THROW(t.get(3, 3), MatrixIndexOutOfBoundsException);
 }
 
-TEST(KMatTransform, WritingAnElementDropsTheFlagsOfItsBlock) {
+TEST(KMatTransformTest, WritingAnElementDropsTheFlagsOfItsBlock) {
   Transform t;
   t.identity();
   t.get(0, 3) = 4;
@@ -542,7 +542,7 @@ TEST(KMatTransform, WritingAnElementDropsTheFlagsOfItsBlock) {
   EXPECT_TRUE(t.BisZero);
 }
 
-TEST(KMatTransform, PartsAndPoints) {
+TEST(KMatTransformTest, PartsAndPoints) {
   const Transform t = transform(1, 2, 3, 0, 0, kPi / 2);
   EXPECT_EQ(t.get_translation().h, t.B.h) << "shared, not copied";
   EXPECT_EQ(t.get_rotation().h, t.A.h);
@@ -556,7 +556,7 @@ TEST(KMatTransform, PartsAndPoints) {
   EXPECT_EQ(v.read(1, 0), w.read(1, 0));
 }
 
-TEST(KMatTransform, AddAndSubWorkOnBothBlocks) {
+TEST(KMatTransformTest, AddAndSubWorkOnBothBlocks) {
   Transform t = translation(1, 2, 3);
   const Transform other = translation(10, 20, 30);
   t.add(other);
@@ -570,7 +570,7 @@ TEST(KMatTransform, AddAndSubWorkOnBothBlocks) {
   EXPECT_EQ(other.read(1, 3), 20);
 }
 
-TEST(KMatTransform, CheckRecomputesTheFlags) {
+TEST(KMatTransformTest, CheckRecomputesTheFlags) {
   Transform t = transform(1, 2, 3, 0.1, 0.2, 0.3);
   t.AisZero = t.AisIdentity = t.BisZero = true;
   t.check();
@@ -590,7 +590,7 @@ TEST(KMatTransform, CheckRecomputesTheFlags) {
   EXPECT_FALSE(t.BisZero);
 }
 
-TEST(KMatTransform, CheckTakesAnyBlockWithADiagonalOfOnesForTheIdentity) {
+TEST(KMatTransformTest, CheckTakesAnyBlockWithADiagonalOfOnesForTheIdentity) {
   Transform t;
   t.identity();
   t.A.get(0, 1) = 5;
@@ -604,7 +604,7 @@ TEST(KMatTransform, CheckTakesAnyBlockWithADiagonalOfOnesForTheIdentity) {
 
 // Products.
 
-TEST(KMatProduct, IdentityTakesTheOtherRotationByShare) {
+TEST(KMatProductTest, IdentityTakesTheOtherRotationByShare) {
   Transform one;
   one.identity();
   const Transform other = transform(1, 2, 3, 0.1, 0.2, 0.3);
@@ -621,7 +621,7 @@ TEST(KMatProduct, IdentityTakesTheOtherRotationByShare) {
   EXPECT_EQ(still.read(1, 3), 1);
 }
 
-TEST(KMatProduct, SharedOperandIsNotWrittenThrough) {
+TEST(KMatProductTest, SharedOperandIsNotWrittenThrough) {
   Transform a = transform(1, 2, 3, 0.1, 0.2, 0.3);
   const Transform b = a;
   const Eigen::Matrix4d before = eigen(b);
@@ -630,7 +630,7 @@ TEST(KMatProduct, SharedOperandIsNotWrittenThrough) {
   EXPECT_EQ(eigen(b), before);
 }
 
-TEST(KMatProduct, SquareOfItself) {
+TEST(KMatProductTest, SquareOfItself) {
   Transform a = transform(1, 2, 3, 0.1, 0.2, 0.3);
   const Eigen::Matrix4d before = eigen(a);
   a.fast_mult(a);
@@ -640,7 +640,7 @@ TEST(KMatProduct, SquareOfItself) {
   EXPECT_EQ(t.read(2, 3), 6);
 }
 
-TEST(KMatProduct, TranslationIsDroppedWhereThisHasNoneInStorage) {
+TEST(KMatProductTest, TranslationIsDroppedWhereThisHasNoneInStorage) {
   Transform a = transform(1, 2, 3, 0.1, 0.2, 0.3);
   a.B.cleanHandle();
   a.fast_mult(translation(5, 6, 7));
@@ -648,7 +648,7 @@ TEST(KMatProduct, TranslationIsDroppedWhereThisHasNoneInStorage) {
   EXPECT_EQ(a.read(0, 3), 0);
 }
 
-TEST(KMatProduct, RotationStaysWhereEitherSideHasNoneInStorage) {
+TEST(KMatProductTest, RotationStaysWhereEitherSideHasNoneInStorage) {
   Transform a = transform(1, 2, 3, 0.1, 0.2, 0.3);
   const Eigen::Matrix3d before = eigen(a.A);
   Transform never;
@@ -662,7 +662,7 @@ TEST(KMatProduct, RotationStaysWhereEitherSideHasNoneInStorage) {
   EXPECT_EQ(fresh.B.h, nullptr);
 }
 
-TEST(KMatProduct, ZeroRotationStaysZeroAndKeepsItsTranslation) {
+TEST(KMatProductTest, ZeroRotationStaysZeroAndKeepsItsTranslation) {
   Transform a = translation(1, 2, 3);
   a.A.zero();
   a.check();
@@ -673,7 +673,7 @@ TEST(KMatProduct, ZeroRotationStaysZeroAndKeepsItsTranslation) {
   EXPECT_EQ(a.read(0, 3), 1);
 }
 
-TEST(KMatProduct, ZeroOnTheRightMakesTheRotationZero) {
+TEST(KMatProductTest, ZeroOnTheRightMakesTheRotationZero) {
   Transform zeroRotation = translation(1, 2, 3);
   zeroRotation.A.zero();
   zeroRotation.check();
@@ -688,7 +688,7 @@ TEST(KMatProduct, ZeroOnTheRightMakesTheRotationZero) {
   EXPECT_FALSE(identity.AisIdentity);
 }
 
-TEST(KMatProduct, ZeroTranslationFlagPassesOnOnlyIfBothAreZero) {
+TEST(KMatProductTest, ZeroTranslationFlagPassesOnOnlyIfBothAreZero) {
   Transform r;
   transformations::makeRotationX(r, 0.3);
   Transform both = r;
@@ -731,7 +731,7 @@ Transform drawn(Draws& draws) {
   return t;
 }
 
-TEST(KMatProduct, AgreesWithEigenAndKeepsFlagsTrueAndSourcesWhole) {
+TEST(KMatProductTest, AgreesWithEigenAndKeepsFlagsTrueAndSourcesWhole) {
   CaseCount cases("chain of products", kCases);
   Draws draws(3);
   for (int n = 0; n < kCases; ++n) {
@@ -756,7 +756,7 @@ TEST(KMatProduct, AgreesWithEigenAndKeepsFlagsTrueAndSourcesWhole) {
 
 // Inverses.
 
-TEST(KMatTransformInverse, PureTranslationIsNegatedAndTheRotationLeftAlone) {
+TEST(KMatTransformInverseTest, PureTranslationIsNegatedAndTheRotationLeftAlone) {
   Transform t = translation(1, -2, 3);
   const void* rotation = t.A.h;
   t.fast_invert();
@@ -767,7 +767,7 @@ TEST(KMatTransformInverse, PureTranslationIsNegatedAndTheRotationLeftAlone) {
   EXPECT_EQ(t.read(2, 3), -3);
 }
 
-TEST(KMatTransformInverse, PureRotationLeavesTheTranslationAlone) {
+TEST(KMatTransformInverseTest, PureRotationLeavesTheTranslationAlone) {
   Transform t;
   transformations::makeRotationZ(t, 0.3);
   const void* before = t.B.h;
@@ -777,7 +777,7 @@ TEST(KMatTransformInverse, PureRotationLeavesTheTranslationAlone) {
   EXPECT_NEAR(t.read(0, 1), std::sin(0.3), 1e-16);
 }
 
-TEST(KMatTransformInverse, NeverWrittenRotationIsNotInvertedAndGivesAZeroTranslation) {
+TEST(KMatTransformInverseTest, NeverWrittenRotationIsNotInvertedAndGivesAZeroTranslation) {
   Transform t = translation(1, 2, 3);
   t.A.cleanHandle();
   t.check();
@@ -787,7 +787,7 @@ TEST(KMatTransformInverse, NeverWrittenRotationIsNotInvertedAndGivesAZeroTransla
   EXPECT_EQ(t.read(2, 3), 0);
 }
 
-TEST(KMatTransformInverse, SingularRotationThrowsAndStays) {
+TEST(KMatTransformInverseTest, SingularRotationThrowsAndStays) {
   Transform t = translation(1, 2, 3);
   t.A.zero();
   t.check();
@@ -795,7 +795,7 @@ TEST(KMatTransformInverse, SingularRotationThrowsAndStays) {
   EXPECT_EQ(t.read(0, 3), 1);
 }
 
-TEST(KMatTransformInverse, AgreesWithEigenAndKeepsSourcesWhole) {
+TEST(KMatTransformInverseTest, AgreesWithEigenAndKeepsSourcesWhole) {
   CaseCount cases("inverse of a transform", kCases);
   Draws draws(4);
   for (int n = 0; n < kCases; ++n) {
@@ -815,7 +815,7 @@ TEST(KMatTransformInverse, AgreesWithEigenAndKeepsSourcesWhole) {
   }
 }
 
-TEST(KMatTransformInverse, TheIdentityFlagIsBelievedWhereTheDiagonalAloneBearsIt) {
+TEST(KMatTransformInverseTest, TheIdentityFlagIsBelievedWhereTheDiagonalAloneBearsIt) {
   Transform shear = translation(1, 2, 3);
   shear.A.get(0, 1) = 5;
   shear.check();
@@ -835,7 +835,7 @@ TEST(KMatTransformInverse, TheIdentityFlagIsBelievedWhereTheDiagonalAloneBearsIt
 
 // Equality by size.
 
-TEST(KMatAlmostEqual, SeesThePositionAndNotTheRotation) {
+TEST(KMatAlmostEqualTest, SeesThePositionAndNotTheRotation) {
   const Transform a = transform(100, -50, 30, 0.1, 0.2, 0.3);
   EXPECT_TRUE(a.almostEqualTo(a));
   EXPECT_TRUE(a.almostEqualTo(transform(100, -50, 30, -2, 1, 0.5)));
@@ -844,19 +844,19 @@ TEST(KMatAlmostEqual, SeesThePositionAndNotTheRotation) {
   EXPECT_FALSE(a.almostEqualTo(transform(100, -50, 31, -2, 1, 0.5)));
 }
 
-TEST(KMatAlmostEqual, BoundIsOnTheSquaredDistance) {
+TEST(KMatAlmostEqualTest, BoundIsOnTheSquaredDistance) {
   const Transform a = translation(0, 0, 0);
   const double bound = std::sqrt(2.220446049250313e-9);  // 4.7e-5 mm
   EXPECT_TRUE(a.almostEqualTo(translation(0.999 * bound, 0, 0)));
   EXPECT_FALSE(a.almostEqualTo(translation(1.001 * bound, 0, 0)));
 }
 
-TEST(KMatAlmostEqual, NotANumberEqualsNothing) {
+TEST(KMatAlmostEqualTest, NotANumberEqualsNothing) {
   const Transform a = transform(std::nan(""), 0, 0, 0, 0, 0);
   EXPECT_FALSE(a.almostEqualTo(translation(0, 0, 0)));
 }
 
-TEST(KMatAlmostEqual, LeavesBothSidesAsTheyWere) {
+TEST(KMatAlmostEqualTest, LeavesBothSidesAsTheyWere) {
   const Transform a = transform(1, 2, 3, 0.1, 0.2, 0.3);
   const Transform b = transform(4, 5, 6, 0.4, 0.5, 0.6);
   const Eigen::Matrix4d aValues = eigen(a), bValues = eigen(b);
@@ -867,11 +867,11 @@ TEST(KMatAlmostEqual, LeavesBothSidesAsTheyWere) {
 
 // Makers.
 
-TEST(KMatMakers, PiIsTheFullOne) {
+TEST(KMatMakersTest, PiIsTheFullOne) {
   EXPECT_EQ(transformations::PI, 3.141592653589793);
 }
 
-TEST(KMatMakers, TranslationSetsFlagsByItsContents) {
+TEST(KMatMakersTest, TranslationSetsFlagsByItsContents) {
   const Transform t = translation(0, 0, -2);
   EXPECT_EQ(eigen(t), homogeneous(Eigen::Matrix3d::Identity(), {0, 0, -2}));
   EXPECT_TRUE(t.AisIdentity);
@@ -880,7 +880,7 @@ TEST(KMatMakers, TranslationSetsFlagsByItsContents) {
   EXPECT_TRUE(translation(0, 0, 0).BisZero);
 }
 
-TEST(KMatMakers, TinyRotationIsNotTakenForTheIdentity) {
+TEST(KMatMakersTest, TinyRotationIsNotTakenForTheIdentity) {
   Transform t;
   transformations::makeRotationX(t, 1e-9);
   ASSERT_EQ(t.read(1, 1), 1);
@@ -889,7 +889,7 @@ TEST(KMatMakers, TinyRotationIsNotTakenForTheIdentity) {
   EXPECT_DOUBLE_EQ(t.read(2, 1), 2e-9);
 }
 
-TEST(KMatMakers, AgreeWithEigen) {
+TEST(KMatMakersTest, AgreeWithEigen) {
   CaseCount cases("made transforms", kCases);
   Draws draws(5);
   const Eigen::Vector3d none = Eigen::Vector3d::Zero();

@@ -99,8 +99,9 @@ double error(const std::string& chain, const Joints& solution, const kmatTable& 
 
 // Legs.
 
-class Legs : public testing::TestWithParam<const Leg*> {};
-INSTANTIATE_TEST_SUITE_P(NAOKinematicsInverse, Legs, testing::Values(&kLeft, &kRight),
+class NAOKinematicsInverseLegsTest : public testing::TestWithParam<const Leg*> {};
+INSTANTIATE_TEST_SUITE_P(NAOKinematicsInverse, NAOKinematicsInverseLegsTest,
+                         testing::Values(&kLeft, &kRight),
                          [](const auto& leg) { return leg.param->chain; });
 
 // Within the ranges of the solver and those of the robot's ankle and knee, whichever is narrower.
@@ -138,15 +139,15 @@ void expectJointsFound(const Leg& leg, Range knee, unsigned seed) {
   }
 }
 
-TEST_P(Legs, JointsOfAReachedTargetAreAmongTheSolutions) {
+TEST_P(NAOKinematicsInverseLegsTest, JointsOfAReachedTargetAreAmongTheSolutions) {
   expectJointsFound(*GetParam(), {0.05, 2.2}, 11);
 }
 
-TEST_P(Legs, KneesBentSlightlyBackwardAreFoundToo) {
+TEST_P(NAOKinematicsInverseLegsTest, KneesBentSlightlyBackwardAreFoundToo) {
   expectJointsFound(*GetParam(), {-0.1, -0.02}, 12);
 }
 
-TEST_P(Legs, StretchedLegHasTwoEqualSolutionsOfZeros) {
+TEST_P(NAOKinematicsInverseLegsTest, StretchedLegHasTwoEqualSolutionsOfZeros) {
   const double side = GetParam() == &kLeft ? 1 : -1;
   const Solutions solutions = solve(*GetParam(), 0, side * 55, -355, 0, 0, 0);
   ASSERT_EQ(solutions.size(), 2u);
@@ -155,7 +156,7 @@ TEST_P(Legs, StretchedLegHasTwoEqualSolutionsOfZeros) {
   EXPECT_TRUE(std::signbit(solutions[1][3])) << "the second knee candidate is the negated first";
 }
 
-TEST_P(Legs, SlightlyBentLegHasExactlyTheJointsPutIn) {
+TEST_P(NAOKinematicsInverseLegsTest, SlightlyBentLegHasExactlyTheJointsPutIn) {
   const Joints joints = {0, 0, -0.4, 0.8, -0.4, 0};
   NAOKinematics nao;
   kmatTable target;
@@ -165,7 +166,7 @@ TEST_P(Legs, SlightlyBentLegHasExactlyTheJointsPutIn) {
   EXPECT_LT(distance(solutions[0], joints), 1e-12);
 }
 
-TEST_P(Legs, TargetOutOfReachHasNoSolution) {
+TEST_P(NAOKinematicsInverseLegsTest, TargetOutOfReachHasNoSolution) {
   const double side = GetParam() == &kLeft ? 1 : -1;
   EXPECT_TRUE(solve(*GetParam(), 0, side * 55, -356, 0, 0, 0).empty()) << "below the stretched leg";
   EXPECT_TRUE(solve(*GetParam(), 300, side * 55, -200, 0, 0, 0).empty());
@@ -173,12 +174,12 @@ TEST_P(Legs, TargetOutOfReachHasNoSolution) {
   EXPECT_TRUE(solve(*GetParam(), 0, side * 55, -140, 0, 0, 0).empty());
 }
 
-TEST_P(Legs, PositionThatIsNoNumberHasNoSolution) {
+TEST_P(NAOKinematicsInverseLegsTest, PositionThatIsNoNumberHasNoSolution) {
   EXPECT_TRUE(solve(*GetParam(), kNotANumber, 0, -300, 0, 0, 0).empty());
   EXPECT_TRUE(solve(*GetParam(), 0, std::numeric_limits<double>::infinity(), 0, 0, 0, 0).empty());
 }
 
-TEST_P(Legs, RotationThatCannotBeInvertedPassesTheExceptionOn) {
+TEST_P(NAOKinematicsInverseLegsTest, RotationThatCannotBeInvertedPassesTheExceptionOn) {
   EXPECT_THROW(solve(*GetParam(), 0, 0, -300, kNotANumber, 0, 0), SingularMatrixInvertionException);
   kmatTable reflection = targetOf(GetParam()->chain, {0, 0, -0.4, 0.8, -0.4, 0});
   for (int i = 0; i < 3; ++i) reflection.A.get(i, 1) = -reflection.A.read(i, 1);
@@ -186,7 +187,7 @@ TEST_P(Legs, RotationThatCannotBeInvertedPassesTheExceptionOn) {
   EXPECT_THROW(solve(*GetParam(), reflection), SingularMatrixInvertionException);
 }
 
-TEST_P(Legs, BothFormsAgree) {
+TEST_P(NAOKinematicsInverseLegsTest, BothFormsAgree) {
   CaseCount cases("positions and angles against transforms", kCases);
   Draws draws(13);
   for (int n = 0; n < kCases; ++n) {
@@ -203,7 +204,7 @@ TEST_P(Legs, BothFormsAgree) {
   }
 }
 
-TEST_P(Legs, JointsOutsideTheirRangesAreDropped) {
+TEST_P(NAOKinematicsInverseLegsTest, JointsOutsideTheirRangesAreDropped) {
   const Leg& leg = *GetParam();
   const bool left = &leg == &kLeft;
   const Joints middle = {-0.2, 0.02, -0.6, 0.9, -0.3, 0.1};
@@ -235,7 +236,7 @@ TEST_P(Legs, JointsOutsideTheirRangesAreDropped) {
   }
 }
 
-TEST_P(Legs, AnkleRollOnItsWideSideEndsAtARightAngle) {
+TEST_P(NAOKinematicsInverseLegsTest, AnkleRollOnItsWideSideEndsAtARightAngle) {
   // Bounds of -2 and 2 lie beyond what an arc tangent yields.
   const Leg& leg = *GetParam();
   const double inward = &leg == &kLeft ? 1 : -1;
@@ -245,7 +246,7 @@ TEST_P(Legs, AnkleRollOnItsWideSideEndsAtARightAngle) {
   EXPECT_TRUE(solve(leg, targetOf(leg.chain, joints)).empty());
 }
 
-TEST_P(Legs, AnkleAtARightAngleIsLostWhereRoundingPassesTheArcSine) {
+TEST_P(NAOKinematicsInverseLegsTest, AnkleAtARightAngleIsLostWhereRoundingPassesTheArcSine) {
   // The stand-in has the sign opposite to the clipped arc sine, so such a target has no solution.
   // Required: with the other sign none of them would be lost.
   int found = 0, lost = 0;
@@ -261,7 +262,7 @@ TEST_P(Legs, AnkleAtARightAngleIsLostWhereRoundingPassesTheArcSine) {
   EXPECT_GT(lost, 50);
 }
 
-TEST_P(Legs, SolutionsComeInTheOrderOfTheCandidates) {
+TEST_P(NAOKinematicsInverseLegsTest, SolutionsComeInTheOrderOfTheCandidates) {
   // Knee first: the angle from the arc cosine, which is never negative, then its negative.
   CaseCount both("targets that both knee candidates reach", 50);
   Draws draws(14);
@@ -275,7 +276,7 @@ TEST_P(Legs, SolutionsComeInTheOrderOfTheCandidates) {
   }
 }
 
-TEST(NAOKinematicsInverseLegs, MirroredTargetsHaveMirroredSolutions) {
+TEST(NAOKinematicsInverseBothLegsTest, MirroredTargetsHaveMirroredSolutions) {
   // Within the ranges that both legs have in common.
   CaseCount cases("mirrored targets", kCases);
   Draws draws(15);
@@ -290,7 +291,7 @@ TEST(NAOKinematicsInverseLegs, MirroredTargetsHaveMirroredSolutions) {
   }
 }
 
-TEST(NAOKinematicsInverseLegs, RangesOfTheTwoHipsAreNotMirrored) {
+TEST(NAOKinematicsInverseBothLegsTest, RangesOfTheTwoHipsAreNotMirrored) {
   const Joints left = {0, 0, -1.773, 0.9, 0.3, 0};
   EXPECT_TRUE(contains(solve(kLeft, targetOf("LeftLeg", left)), left));
   EXPECT_FALSE(contains(solve(kRight, targetOf("RightLeg", left)), left));
@@ -309,7 +310,7 @@ Joints drawnArm(Draws& draws, double side) {
   return side > 0 ? q : Joints{q[0], -q[1], -q[2], -q[3], -q[4]};
 }
 
-TEST(NAOKinematicsInverseArms, JointsOfTheLeftArmAreAmongTheSolutions) {
+TEST(NAOKinematicsInverseArmsTest, JointsOfTheLeftArmAreAmongTheSolutions) {
   CaseCount cases("left arm found again", kCases);
   CaseCount returned("solutions of the left arm checked", kCases);
   const Range ranges[5] = {{-2.0857, 2.0857},
@@ -338,7 +339,7 @@ TEST(NAOKinematicsInverseArms, JointsOfTheLeftArmAreAmongTheSolutions) {
   }
 }
 
-TEST(NAOKinematicsInverseArms, LeftArmJointsOutsideTheirRangesAreDropped) {
+TEST(NAOKinematicsInverseArmsTest, LeftArmJointsOutsideTheirRangesAreDropped) {
   NAOKinematics nao;
   const Joints middle = {0.3, 0.4, -0.5, -0.6, 0.7};
   const struct {
@@ -358,7 +359,7 @@ TEST(NAOKinematicsInverseArms, LeftArmJointsOutsideTheirRangesAreDropped) {
   }
 }
 
-TEST(NAOKinematicsInverseArms, ElbowTurnedByARightAngleIsFoundOnOneSideOnly) {
+TEST(NAOKinematicsInverseArmsTest, ElbowTurnedByARightAngleIsFoundOnOneSideOnly) {
   // Where the cosine of the elbow yaw vanishes the shoulder pitch comes from another formula, which
   // takes the sine of the yaw for -1 on the left arm.
   NAOKinematics nao;
@@ -368,7 +369,7 @@ TEST(NAOKinematicsInverseArms, ElbowTurnedByARightAngleIsFoundOnOneSideOnly) {
   EXPECT_TRUE(nao.inverseLeftHand(targetOf("LeftHand", outward)).empty());
 }
 
-TEST(NAOKinematicsInverseArms, ElbowTurnedByARightAngleWithTheArmForwardIsFoundOnBothSides) {
+TEST(NAOKinematicsInverseArmsTest, ElbowTurnedByARightAngleWithTheArmForwardIsFoundOnBothSides) {
   // Both cosines vanish: the shoulder pitch comes from where the elbow is.
   NAOKinematics nao;
   for (const double yaw : {kPi / 2, -kPi / 2}) {
@@ -377,7 +378,7 @@ TEST(NAOKinematicsInverseArms, ElbowTurnedByARightAngleWithTheArmForwardIsFoundO
   }
 }
 
-TEST(NAOKinematicsInverseArms, HandOutOfReachHasNoSolution) {
+TEST(NAOKinematicsInverseArmsTest, HandOutOfReachHasNoSolution) {
   NAOKinematics nao;
   EXPECT_TRUE(nao.inverseLeftHand(220, 113, 100, 0, 0, 0).empty()) << "beyond the stretched arm";
   EXPECT_TRUE(nao.inverseLeftHand(50, 113, 100, 0, 0, 0).empty()) << "the elbow would bend too far";
@@ -385,7 +386,7 @@ TEST(NAOKinematicsInverseArms, HandOutOfReachHasNoSolution) {
   EXPECT_TRUE(nao.inverseLeftHand(kNotANumber, 113, 100, 0, 0, 0).empty());
 }
 
-TEST(NAOKinematicsInverseArms, RightArmFindsNothingForTargetsThatItReaches) {
+TEST(NAOKinematicsInverseArmsTest, RightArmFindsNothingForTargetsThatItReaches) {
   // Required: the turn of the hand is taken away twice.
   CaseCount cases("reached targets of the right arm", kCases);
   Draws draws(22);
@@ -399,7 +400,7 @@ TEST(NAOKinematicsInverseArms, RightArmFindsNothingForTargetsThatItReaches) {
   }
 }
 
-TEST(NAOKinematicsInverseArms, RightArmSolvesTargetsWithTheHandTurnedOnceMore) {
+TEST(NAOKinematicsInverseArmsTest, RightArmSolvesTargetsWithTheHandTurnedOnceMore) {
   // What its steps are right for: a hand that points back along the lower arm.
   CaseCount cases("turned targets of the right arm", kCases);
   const Range ranges[5] = {{-2.0857, 2.0857},
@@ -425,7 +426,7 @@ TEST(NAOKinematicsInverseArms, RightArmSolvesTargetsWithTheHandTurnedOnceMore) {
   }
 }
 
-TEST(NAOKinematicsInverseArms, RightArmJointsOutsideTheirRangesAreDropped) {
+TEST(NAOKinematicsInverseArmsTest, RightArmJointsOutsideTheirRangesAreDropped) {
   NAOKinematics nao;
   const Joints middle = {0.3, -0.4, 0.5, 0.6, -0.7};
   const struct {
@@ -447,7 +448,7 @@ TEST(NAOKinematicsInverseArms, RightArmJointsOutsideTheirRangesAreDropped) {
   }
 }
 
-TEST(NAOKinematicsInverseArms, BothFormsAgree) {
+TEST(NAOKinematicsInverseArmsTest, BothFormsAgree) {
   CaseCount cases("positions and angles against transforms, arms", kCases);
   Draws draws(24);
   NAOKinematics nao;
@@ -475,12 +476,12 @@ struct Camera {
   bool top;
 };
 
-class Head : public testing::TestWithParam<Camera> {};
-INSTANTIATE_TEST_SUITE_P(NAOKinematicsInverse, Head,
+class NAOKinematicsInverseHeadTest : public testing::TestWithParam<Camera> {};
+INSTANTIATE_TEST_SUITE_P(NAOKinematicsInverse, NAOKinematicsInverseHeadTest,
                          testing::Values(Camera{"CameraTop", true}, Camera{"CameraBot", false}),
                          [](const auto& camera) { return camera.param.chain; });
 
-TEST_P(Head, YawIsFoundOnOneSideOnly) {
+TEST_P(NAOKinematicsInverseHeadTest, YawIsFoundOnOneSideOnly) {
   // Up to 0.672 the angle from the arc cosine is negated, beyond it is not: a turn to the right
   // is found while it is small, one to the left while it is large.
   NAOKinematics nao;
@@ -499,7 +500,7 @@ TEST_P(Head, YawIsFoundOnOneSideOnly) {
   EXPECT_TRUE(found(1.5));
 }
 
-TEST_P(Head, EverySolutionPutsTheCameraWithinAMillimetre) {
+TEST_P(NAOKinematicsInverseHeadTest, EverySolutionPutsTheCameraWithinAMillimetre) {
   CaseCount cases("solutions of the head", kCases);
   Draws draws(31);
   NAOKinematics nao;
@@ -517,7 +518,7 @@ TEST_P(Head, EverySolutionPutsTheCameraWithinAMillimetre) {
   }
 }
 
-TEST_P(Head, PositionIsComparedToTheMillimetre) {
+TEST_P(NAOKinematicsInverseHeadTest, PositionIsComparedToTheMillimetre) {
   // The solver takes x and z from the target; y comes in by the comparison alone.
   NAOKinematics nao;
   const kmatTable target = targetOf(GetParam().chain, {-0.3, 0.1});
@@ -533,7 +534,7 @@ TEST_P(Head, PositionIsComparedToTheMillimetre) {
   EXPECT_EQ(solutions(-1.001), 0u);
 }
 
-TEST_P(Head, TargetAboveTheNeckByMoreThanTheRadiusHasNoSolution) {
+TEST_P(NAOKinematicsInverseHeadTest, TargetAboveTheNeckByMoreThanTheRadiusHasNoSolution) {
   NAOKinematics nao;
   const double radius = GetParam().top ? 86.69267558450368 : 54.29876702099229;
   EXPECT_TRUE(nao.inverseHead(0, 0, 126.5 + radius + 0.01, 0, 0, 0, false, GetParam().top).empty());
@@ -541,7 +542,7 @@ TEST_P(Head, TargetAboveTheNeckByMoreThanTheRadiusHasNoSolution) {
   EXPECT_TRUE(nao.inverseHead(kNotANumber, 0, kNotANumber, 0, 0, 0, false, GetParam().top).empty());
 }
 
-TEST_P(Head, RangeOfThePitchIsTestedAQuarterTurnOff) {
+TEST_P(NAOKinematicsInverseHeadTest, RangeOfThePitchIsTestedAQuarterTurnOff) {
   // -2.0857 to 2.0857 is tested before the quarter turn is added, which leaves -0.5149 and up.
   NAOKinematics nao;
   const auto found = [&](double pitch) {
@@ -554,14 +555,14 @@ TEST_P(Head, RangeOfThePitchIsTestedAQuarterTurnOff) {
   EXPECT_TRUE(found(2.0));
 }
 
-TEST_P(Head, AnglesNeverGiveASolution) {
+TEST_P(NAOKinematicsInverseHeadTest, AnglesNeverGiveASolution) {
   NAOKinematics nao;
   EXPECT_TRUE(
       nao.inverseHead(targetOf(GetParam().chain, {-0.3, 0.1}), true, GetParam().top).empty());
   EXPECT_TRUE(nao.inverseHead(0, 0, 0, 0, 0.1, -0.3, true, GetParam().top).empty());
 }
 
-TEST_P(Head, BothFormsAgree) {
+TEST_P(NAOKinematicsInverseHeadTest, BothFormsAgree) {
   NAOKinematics nao;
   const kmatTable target = targetOf(GetParam().chain, {-0.3, 0.1});
   const auto& b = target.B;

@@ -45,7 +45,7 @@ Eigen::Matrix4d zyx(double z, double y, double x) {
 
 // Constants.
 
-TEST(NAOKinematicsConstants, EachHasItsValue) {
+TEST(NAOKinematicsConstantsTest, EachHasItsValue) {
   const NAOKinematics nao;
   const struct {
     const char* name;
@@ -109,7 +109,7 @@ TEST(NAOKinematicsConstants, EachHasItsValue) {
 
 // Forward chains.
 
-TEST(NAOKinematicsForward, StraightRobotEndsWhereMeasured) {
+TEST(NAOKinematicsForwardTest, StraightRobotEndsWhereMeasured) {
   NAOKinematics nao;
   const struct {
     const char* chain;
@@ -127,7 +127,7 @@ TEST(NAOKinematicsForward, StraightRobotEndsWhereMeasured) {
   }
 }
 
-TEST(NAOKinematicsForward, EveryChainAgreesWithTheDollOfPinJoints) {
+TEST(NAOKinematicsForwardTest, EveryChainAgreesWithTheDollOfPinJoints) {
   NAOKinematics nao;
   Draws draws(1);
   for (const std::string& chain : kChains) {
@@ -142,7 +142,7 @@ TEST(NAOKinematicsForward, EveryChainAgreesWithTheDollOfPinJoints) {
   }
 }
 
-TEST(NAOKinematicsForward, DirectOperationsEqualTheNamedChains) {
+TEST(NAOKinematicsForwardTest, DirectOperationsEqualTheNamedChains) {
   NAOKinematics nao;
   const std::vector<double> q = {0.1, -0.2, 0.3, -0.4, 0.5, -0.6};
   kmatTable direct, named;
@@ -166,7 +166,7 @@ TEST(NAOKinematicsForward, DirectOperationsEqualTheNamedChains) {
   expectEqual("CameraBot");
 }
 
-TEST(NAOKinematicsForward, UnknownNameClearsTheMatrix) {
+TEST(NAOKinematicsForwardTest, UnknownNameClearsTheMatrix) {
   NAOKinematics nao;
   for (const char* name : {"", "Torso", "leftleg", "LeftLeg ", "Head"}) {
     kmatTable t;
@@ -179,7 +179,7 @@ TEST(NAOKinematicsForward, UnknownNameClearsTheMatrix) {
   }
 }
 
-TEST(NAOKinematicsForward, FlagsAreRecomputedFromTheResult) {
+TEST(NAOKinematicsForwardTest, FlagsAreRecomputedFromTheResult) {
   NAOKinematics nao;
   kmatTable t;
   nao.filterForward(t, "CameraTop", {0.4, 0.2});
@@ -190,14 +190,14 @@ TEST(NAOKinematicsForward, FlagsAreRecomputedFromTheResult) {
   EXPECT_TRUE(t.AisIdentity) << "the diagonal is all 1";
 }
 
-TEST(NAOKinematicsForward, TooFewJointsAreAFaultOfTheCaller) {
+TEST(NAOKinematicsForwardTest, TooFewJointsAreAFaultOfTheCaller) {
   NAOKinematics nao;
   kmatTable t;
   EXPECT_DEATH(nao.filterForward(t, "LeftLeg", {0, 0, 0, 0, 0}), "");
   EXPECT_DEATH(nao.filterForward(t, "CameraTop", {}), "");
 }
 
-TEST(NAOKinematicsForward, MirroredJointsOfALegGiveTheMirroredFoot) {
+TEST(NAOKinematicsForwardTest, MirroredJointsOfALegGiveTheMirroredFoot) {
   NAOKinematics nao;
   CaseCount cases("mirrored legs", kCases);
   Draws draws(2);
@@ -212,7 +212,7 @@ TEST(NAOKinematicsForward, MirroredJointsOfALegGiveTheMirroredFoot) {
   }
 }
 
-TEST(NAOKinematicsForward, MirroredJointsOfAnArmGiveTheMirroredHand) {
+TEST(NAOKinematicsForwardTest, MirroredJointsOfAnArmGiveTheMirroredHand) {
   NAOKinematics nao;
   CaseCount cases("mirrored arms", kCases);
   Draws draws(3);
@@ -229,7 +229,7 @@ TEST(NAOKinematicsForward, MirroredJointsOfAnArmGiveTheMirroredHand) {
 
 // From one end to another.
 
-TEST(NAOKinematicsFromTo, TorsoToFootAndBack) {
+TEST(NAOKinematicsFromToTest, TorsoToFootAndBack) {
   NAOKinematics nao;
   const std::vector<double> zeros(6, 0.0);
   const FKvars down = nao.filterForwardFromTo("Torso", "RightLeg", {}, zeros);
@@ -245,13 +245,13 @@ TEST(NAOKinematicsFromTo, TorsoToFootAndBack) {
   EXPECT_NEAR(up.pointZ, 355, kRounding);
 }
 
-TEST(NAOKinematicsFromTo, TorsoToTorsoIsTheIdentity) {
+TEST(NAOKinematicsFromToTest, TorsoToTorsoIsTheIdentity) {
   NAOKinematics nao;
   EXPECT_EQ(values(nao.forwardFromTo("Torso", "Torso", {}, {})),
             Eigen::Matrix4d::Identity().eval());
 }
 
-TEST(NAOKinematicsFromTo, UnknownNamesGiveZerosAndNoError) {
+TEST(NAOKinematicsFromToTest, UnknownNamesGiveZerosAndNoError) {
   NAOKinematics nao;
   const std::vector<double> q(6, 0.1);
   for (const auto& [start, stop] : std::vector<std::pair<std::string, std::string>>{
@@ -266,14 +266,14 @@ TEST(NAOKinematicsFromTo, UnknownNamesGiveZerosAndNoError) {
   }
 }
 
-TEST(NAOKinematicsFromTo, StartThatCannotBeInvertedPassesTheExceptionOn) {
+TEST(NAOKinematicsFromToTest, StartThatCannotBeInvertedPassesTheExceptionOn) {
   NAOKinematics nao;
   const std::vector<double> none(6, std::numeric_limits<double>::quiet_NaN());
   EXPECT_THROW(nao.filterForwardFromTo("LeftLeg", "Torso", none, {}),
                KMath::KMat::SingularMatrixInvertionException);
 }
 
-TEST(NAOKinematicsFromTo, AgreesWithTheDollBetweenAllChains) {
+TEST(NAOKinematicsFromToTest, AgreesWithTheDollBetweenAllChains) {
   NAOKinematics nao;
   CaseCount cases("pairs of chains", kCases);
   Draws draws(4);
@@ -300,7 +300,7 @@ TEST(NAOKinematicsFromTo, AgreesWithTheDollBetweenAllChains) {
   }
 }
 
-TEST(NAOKinematicsFromTo, EachAngleIsThatAboutItsAxis) {
+TEST(NAOKinematicsFromToTest, EachAngleIsThatAboutItsAxis) {
   NAOKinematics nao;
   // The head turns about z first and y next, so both can be read off; the foot rolls about x.
   const FKvars head = nao.filterForwardFromTo("Torso", "CameraTop", {}, {0.4, -0.3});
@@ -361,7 +361,7 @@ Eigen::Vector3d centreOfMass(const std::vector<double>& q) {
   return 0.20496003279360528 * sum;
 }
 
-TEST(NAOKinematicsCentreOfMass, AgreesWithTheMassesOfTheDoll) {
+TEST(NAOKinematicsCentreOfMassTest, AgreesWithTheMassesOfTheDoll) {
   NAOKinematics nao;
   CaseCount cases("centres of mass", kCases);
   Draws draws(5);
@@ -377,7 +377,7 @@ TEST(NAOKinematicsCentreOfMass, AgreesWithTheMassesOfTheDoll) {
   }
 }
 
-TEST(NAOKinematicsCentreOfMass, ForearmsDoNotMirrorEachOther) {
+TEST(NAOKinematicsCentreOfMassTest, ForearmsDoNotMirrorEachOther) {
   // On the straight robot all masses in pairs cancel in y but for the arms' -0.88 of the hands,
   // which have one sign, and the forearms. Worked by hand: head 0.17 * 0.0593 - 0.84 * 0.52065,
   // torso 0.07 * 1.03948, hands 2 * -0.88 * 0.18533, forearms (113 - 2.81) * 0.07761 and
@@ -389,7 +389,7 @@ TEST(NAOKinematicsCentreOfMass, ForearmsDoNotMirrorEachOther) {
   EXPECT_NEAR(f.pointY, sum * 0.20496003279360528, kRounding);
 }
 
-TEST(NAOKinematicsCentreOfMass, WrongNumberOfJointsIsReportedWithAnotherNumber) {
+TEST(NAOKinematicsCentreOfMassTest, WrongNumberOfJointsIsReportedWithAnotherNumber) {
   NAOKinematics nao;
   const std::string text = "Kinematics CoM fatal: joints vector not equal to 22\n";
   for (const int count : {0, 22, 23, 24, 25}) {
@@ -409,7 +409,7 @@ TEST(NAOKinematicsCentreOfMass, WrongNumberOfJointsIsReportedWithAnotherNumber) 
 
 // Scratch space.
 
-TEST(NAOKinematicsScratch, EarlierCallsLeaveNoTrace) {
+TEST(NAOKinematicsScratchTest, EarlierCallsLeaveNoTrace) {
   NAOKinematics used;
   Draws draws(6);
   CaseCount cases("calls on one object and on fresh ones", 1000);

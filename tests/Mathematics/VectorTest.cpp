@@ -145,10 +145,12 @@ TEST(VectorTest, PhiIsANumberForEveryOrdinaryVector) {
   }
 }
 
-TEST(VectorTest, AngleToIsTheDifferenceOfUnsignedAngles) {
-  EXPECT_FLOAT_EQ(Vector(1, 0, 0).getAngleTo(Vector(0, 1, 0)), static_cast<float>(kPi / 2));
-  EXPECT_FLOAT_EQ(Vector(0, 1, 0).getAngleTo(Vector(1, 0, 0)), static_cast<float>(-kPi / 2));
-  EXPECT_EQ(Vector(1, 1, 0).getAngleTo(Vector(1, -1, 0)), 0);
+TEST(VectorTest, AngleToIsTheUnsignedDirectionOfTheWayThere) {
+  EXPECT_FLOAT_EQ(Vector(1, 1, 5).getAngleTo(Vector(1, 3, 0)), static_cast<float>(kPi / 2));
+  EXPECT_FLOAT_EQ(Vector(1, 3, 0).getAngleTo(Vector(1, 1, 5)), static_cast<float>(kPi / 2));
+  EXPECT_FLOAT_EQ(Vector(1, 0, 0).getAngleTo(Vector(0, 1, 0)), static_cast<float>(kPi * 3 / 4));
+  EXPECT_FLOAT_EQ(Vector(2, 1, 0).getAngleTo(Vector(-1, 1, 0)), static_cast<float>(kPi));
+  EXPECT_EQ(Vector(1, 1, 0).getAngleTo(Vector(1, 1, 3)), 0);  // straight up
 }
 
 TEST(VectorTest, DotAndCross) {
@@ -276,7 +278,7 @@ TEST(VectorTest, AngleConstants) {
   EXPECT_EQ(Vector::DEG2RAD, 0.017453292519943295);
 }
 
-TEST(SignTest, GivesTheSignAsInt) {
+TEST(VectorSignTest, GivesTheSignAsInt) {
   EXPECT_EQ(sign(0.0), 0);
   EXPECT_EQ(sign(-0.0), 0);
   EXPECT_EQ(sign(3.7), 1);
@@ -285,7 +287,7 @@ TEST(SignTest, GivesTheSignAsInt) {
   EXPECT_EQ(sign(-std::numeric_limits<double>::max()), -1);
 }
 
-TEST(SignTest, HasNoSignForWhatIsNoNumber) {
+TEST(VectorSignTest, HasNoSignForWhatIsNoNumber) {
   EXPECT_EQ(sign(std::numeric_limits<double>::quiet_NaN()), std::numeric_limits<int>::min());
   EXPECT_EQ(sign(std::numeric_limits<double>::infinity()), std::numeric_limits<int>::min());
 }

@@ -393,9 +393,9 @@ struct OptionCase {
   const char* key;
 };
 
-class CommandLineOptionTest : public testing::TestWithParam<OptionCase> {};
+class ConfigCommandLineOptionTest : public testing::TestWithParam<OptionCase> {};
 
-TEST_P(CommandLineOptionTest, OverridesItsKey) {
+TEST_P(ConfigCommandLineOptionTest, OverridesItsKey) {
   ConfigFile file = fileOf(kAgent);
   const Outcome outcome = apply(file, {"./player", GetParam().option, "new value"});
   EXPECT_TRUE(outcome.accepted);
@@ -403,14 +403,14 @@ TEST_P(CommandLineOptionTest, OverridesItsKey) {
   EXPECT_EQ(file[GetParam().group][GetParam().key].asString(), "new value");
 }
 
-TEST_P(CommandLineOptionTest, NeedsAValue) {
+TEST_P(ConfigCommandLineOptionTest, NeedsAValue) {
   ConfigFile file = fileOf(kAgent);
   const Outcome outcome = apply(file, {"./player", GetParam().option});
   EXPECT_FALSE(outcome.accepted);
   EXPECT_EQ(outcome.printed, kUsage);
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryOption, CommandLineOptionTest,
+INSTANTIATE_TEST_SUITE_P(EveryOption, ConfigCommandLineOptionTest,
                          testing::Values(OptionCase{"--host", "Server", "HostName"},
                                          OptionCase{"--player-port", "Server", "PlayerPort"},
                                          OptionCase{"--number", "Public", "UniformNumber"},
@@ -419,14 +419,14 @@ INSTANTIATE_TEST_SUITE_P(EveryOption, CommandLineOptionTest,
                                          OptionCase{"--name", "Public", "TeamName"},
                                          OptionCase{"--type", "Public", "Type"}));
 
-TEST(CommandLineTest, WithoutArgumentsNothingChanges) {
+TEST(ConfigCommandLineTest, WithoutArgumentsNothingChanges) {
   ConfigFile file = fileOf(kAgent);
   EXPECT_TRUE(apply(file, {"./player"}).accepted);
   EXPECT_TRUE(apply(file, {}).accepted);
   EXPECT_EQ(file["Public"]["UniformNumber"].asInt(), 1);
 }
 
-TEST(CommandLineTest, TakesPairsInTurnAndTheLastOneWins) {
+TEST(ConfigCommandLineTest, TakesPairsInTurnAndTheLastOneWins) {
   ConfigFile file = fileOf(kAgent);
   EXPECT_TRUE(
       apply(file, {"./player", "--number", "7", "--team", "A", "--name", "B", "--penalty", "1"})
@@ -437,19 +437,19 @@ TEST(CommandLineTest, TakesPairsInTurnAndTheLastOneWins) {
   EXPECT_EQ(file["Server"]["HostName"].asString(), "there");
 }
 
-TEST(CommandLineTest, ValueMayLookLikeAnOption) {
+TEST(ConfigCommandLineTest, ValueMayLookLikeAnOption) {
   ConfigFile file = fileOf(kAgent);
   EXPECT_TRUE(apply(file, {"./player", "--team", "--host"}).accepted);
   EXPECT_EQ(file["Public"]["TeamName"].asString(), "--host");
 }
 
-TEST(CommandLineTest, ValueMayBeEmpty) {
+TEST(ConfigCommandLineTest, ValueMayBeEmpty) {
   ConfigFile file = fileOf(kAgent);
   EXPECT_TRUE(apply(file, {"./player", "--team", ""}).accepted);
   EXPECT_EQ(file["Public"]["TeamName"].asString(), "");
 }
 
-TEST(CommandLineTest, TrailingOptionStopsTheWalk) {
+TEST(ConfigCommandLineTest, TrailingOptionStopsTheWalk) {
   ConfigFile file = fileOf(kAgent);
   const Outcome outcome = apply(file, {"./player", "--number", "7", "--team"});
   EXPECT_FALSE(outcome.accepted);
@@ -457,7 +457,7 @@ TEST(CommandLineTest, TrailingOptionStopsTheWalk) {
   EXPECT_EQ(file["Public"]["UniformNumber"].asInt(), 7);
 }
 
-TEST(CommandLineTest, UnknownOptionStopsTheWalk) {
+TEST(ConfigCommandLineTest, UnknownOptionStopsTheWalk) {
   for (const char* option : {"--help", "--hos", "--hostx", "-host", "Host", ""}) {
     ConfigFile file = fileOf(kAgent);
     const Outcome outcome = apply(file, {"./player", option, "x", "--number", "7"});
@@ -467,7 +467,7 @@ TEST(CommandLineTest, UnknownOptionStopsTheWalk) {
   }
 }
 
-TEST(CommandLineTest, MissingGroupFails) {
+TEST(ConfigCommandLineTest, MissingGroupFails) {
   ConfigFile file = fileOf("[Public]\n");
   EXPECT_ASSERTION(apply(file, {"./player", "--host", "x"}), "it != groups.end()");
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -49,7 +50,7 @@ constexpr NamedMode kModes[] = {
     {PM_FREE_KICK_RIGHT, "free_kick_right"},
 };
 
-TEST(PlayModeNamesTest, EveryModeHasItsName) {
+TEST(ConverterPlayModeNamesTest, EveryModeHasItsName) {
   for (const NamedMode& named : kModes) {
     EXPECT_STREQ(getPlayModeStr(named.mode), named.name);
     EXPECT_STREQ(PlayModeNames[named.mode], named.name);
@@ -58,13 +59,13 @@ TEST(PlayModeNamesTest, EveryModeHasItsName) {
   EXPECT_STREQ(getPlayModeStr(PM_ILLEGAL), "illegal");
 }
 
-TEST(PlayModeNamesTest, TextNeedOnlyStartWithTheName) {
+TEST(ConverterPlayModeNamesTest, TextNeedOnlyStartWithTheName) {
   EXPECT_EQ(getPlayModeFormStr("PlayOnward"), PM_PLAY_ON);
   EXPECT_EQ(getPlayModeFormStr("quit)"), PM_QUIT);
   EXPECT_EQ(getPlayModeFormStr("KickOff_Left)(x"), PM_KICK_OFF_LEFT);
 }
 
-TEST(PlayModeNamesTest, OtherTextsAreIllegal) {
+TEST(ConverterPlayModeNamesTest, OtherTextsAreIllegal) {
   EXPECT_EQ(getPlayModeFormStr(""), PM_ILLEGAL);
   EXPECT_EQ(getPlayModeFormStr("PlayO"), PM_ILLEGAL);
   EXPECT_EQ(getPlayModeFormStr("playon"), PM_ILLEGAL);
@@ -73,14 +74,14 @@ TEST(PlayModeNamesTest, OtherTextsAreIllegal) {
   EXPECT_EQ(getPlayModeFormStr("illegal"), PM_ILLEGAL);
 }
 
-TEST(SideNamesTest, TableIsShiftedByOne) {
+TEST(ConverterSideNamesTest, TableIsShiftedByOne) {
   EXPECT_STREQ(getSideStr(SIDE_LEFT), "our");
   EXPECT_STREQ(getSideStr(SIDE_RIGHT), "left");
   EXPECT_STREQ(getSideStr(SIDE_ILLEGAL), "right");
   EXPECT_STREQ(SideNames[3], "illegal");
 }
 
-TEST(SideNamesTest, SideIsReadFromTheFirstLetter) {
+TEST(ConverterSideNamesTest, SideIsReadFromTheFirstLetter) {
   EXPECT_EQ(getSideFromStr("left"), SIDE_LEFT);
   EXPECT_EQ(getSideFromStr("l"), SIDE_LEFT);
   EXPECT_EQ(getSideFromStr("right"), SIDE_RIGHT);
@@ -88,6 +89,22 @@ TEST(SideNamesTest, SideIsReadFromTheFirstLetter) {
   EXPECT_EQ(getSideFromStr("Left"), SIDE_ILLEGAL);
   EXPECT_EQ(getSideFromStr("our"), SIDE_ILLEGAL);
   EXPECT_EQ(getSideFromStr(""), SIDE_ILLEGAL);
+}
+
+TEST(ConverterTest, TheIntegerPartIsCutTowardsZero) {
+  EXPECT_EQ(integerPart(47.999), 47);
+  EXPECT_EQ(integerPart(-47.999), -47);
+  EXPECT_EQ(integerPart(0.9), 0);
+  EXPECT_EQ(integerPart(2147483647.5), 2147483647);
+  EXPECT_EQ(integerPart(-2147483648.0), std::numeric_limits<int>::min());
+}
+
+TEST(ConverterTest, AValueThatNoIntHoldsGivesTheLowestInt) {
+  const int lowest = std::numeric_limits<int>::min();
+  EXPECT_EQ(integerPart(2147483648.0), lowest);
+  EXPECT_EQ(integerPart(-1e300), lowest);
+  EXPECT_EQ(integerPart(std::numeric_limits<double>::infinity()), lowest);
+  EXPECT_EQ(integerPart(std::numeric_limits<double>::quiet_NaN()), lowest);
 }
 
 }  // namespace

@@ -119,7 +119,7 @@ TEST(FastBallTest, DefaultsToAStandingBallThatStopsSoon) {
   EXPECT_EQ(ball.ballDecay, 0.06);
 }
 
-TEST(OrientationFromBearingTest, CutsTheCompassIntoOverlappingQuarters) {
+TEST(FastICOrientationTest, CutsTheCompassIntoOverlappingQuarters) {
   const std::pair<double, Orientation> rows[] = {
       {0, NORTH},     {-0.5, NORTH}, {-1, SOUTH},  {90.5, NORTH}, {91, WEST},
       {90.99, NORTH}, {180, WEST},   {-45, SOUTH}, {-91, SOUTH},  {-91.01, EAST},

@@ -112,16 +112,16 @@ struct DirectionRow {
   Orientation expected;
 };
 
-class BodyDirectionTest : public testing::TestWithParam<DirectionRow> {};
+class PlayerBodyDirectionTest : public testing::TestWithParam<DirectionRow> {};
 
-TEST_P(BodyDirectionTest, OfTheArms) {
+TEST_P(PlayerBodyDirectionTest, OfTheArms) {
   Player player;
   player.leftLowerArmPosition = GetParam().left;
   player.rightLowerArmPosition = GetParam().right;
   EXPECT_EQ(player.getBodyDirection(kNow), GetParam().expected);
 }
 
-TEST_P(BodyDirectionTest, OfTheFeetWhereAnArmIsFromTheFuture) {
+TEST_P(PlayerBodyDirectionTest, OfTheFeetWhereAnArmIsFromTheFuture) {
   Player player;
   // The arms say the opposite and must not be looked at.
   player.leftLowerArmPosition = GetParam().right;
@@ -132,7 +132,7 @@ TEST_P(BodyDirectionTest, OfTheFeetWhereAnArmIsFromTheFuture) {
   EXPECT_EQ(player.getBodyDirection(kNow), GetParam().expected);
 }
 
-TEST_P(BodyDirectionTest, OfTheFeetWhereTheArmsCoincide) {
+TEST_P(PlayerBodyDirectionTest, OfTheFeetWhereTheArmsCoincide) {
   Player player;
   player.leftFootPosition = GetParam().left;
   player.rightFootPosition = GetParam().right;
@@ -140,7 +140,7 @@ TEST_P(BodyDirectionTest, OfTheFeetWhereTheArmsCoincide) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, BodyDirectionTest,
+    Rows, PlayerBodyDirectionTest,
     testing::Values(DirectionRow{"LeftFartherInX", {2, 0, 0}, {1, 0, 0}, SOUTH},
                     DirectionRow{"RightFartherInX", {1, 0, 0}, {2, 0, 0}, NORTH},
                     DirectionRow{"LeftFartherInY", {0, 2, 0}, {0, 1, 0}, EAST},

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 #include "Utilities/Converter.h"
 #include "WorldModelFixture.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 #include "WorldModelFixture.h"
 
 namespace {

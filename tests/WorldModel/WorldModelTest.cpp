@@ -11,6 +11,10 @@
 
 #include "WorldModelFixture.h"
 
+// The counters of WorldModel.cpp.
+extern int locCount;
+extern unsigned c;
+
 namespace {
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -48,6 +52,20 @@ class WorldModelTest : public WorldModelFixture {
     return text;
   }
 };
+
+TEST_F(WorldModelTest, CountsItsLocalisations) {
+  const unsigned before = c;
+  locCount = 7;
+  update("(time (now 1.0))");
+  EXPECT_EQ(locCount, 7);
+  EXPECT_EQ(c, before);
+  update(see(""));
+  EXPECT_EQ(locCount, 1);
+  EXPECT_EQ(c, before + 1);
+  model->localize();
+  EXPECT_EQ(locCount, 2);
+  EXPECT_EQ(c, before + 2);
+}
 
 // --- Landmark table -----------------------------------------------------------------------------
 

@@ -402,7 +402,7 @@ TEST_F(WorldModelUpdateTest, AnAngleThatCannotBeReadLeavesTheJoint) {
 // --- Hearing
 // --------------------------------------------------------------------------------------
 
-class HearTest : public WorldModelUpdateTest {
+class WorldModelUpdateHearTest : public WorldModelUpdateTest {
  protected:
   void hear(const std::string& rest) {
     model->heards = "old";
@@ -411,7 +411,7 @@ class HearTest : public WorldModelUpdateTest {
   }
 };
 
-TEST_F(HearTest, RemembersAClaim) {
+TEST_F(WorldModelUpdateHearTest, RemembersAClaim) {
   update("(GS (t 12.36))(hear Quolnaris 12.34 self u07rc04)");
   EXPECT_EQ(model->fastestTeammateUnum, 7);
   EXPECT_EQ(model->fastestReachCycle, 4);
@@ -419,13 +419,13 @@ TEST_F(HearTest, RemembersAClaim) {
   EXPECT_FALSE(model->fastestIsFall);
 }
 
-TEST_F(HearTest, ReadsTwoDigitsOfEach) {
+TEST_F(WorldModelUpdateHearTest, ReadsTwoDigitsOfEach) {
   hear("Quolnaris 12.34 -45.20 u11rc36");
   EXPECT_EQ(model->fastestTeammateUnum, 11);
   EXPECT_EQ(model->fastestReachCycle, 36);
 }
 
-TEST_F(HearTest, OtherTeamsAreNotListenedTo) {
+TEST_F(WorldModelUpdateHearTest, OtherTeamsAreNotListenedTo) {
   for (const char* team : {"other", "Quolnari", "Quolnarisx", "quolnaris", "Rivals"}) {
     hear(std::string(team) + " 12.34 -45.2 u07rc04");
     EXPECT_EQ(model->fastestTeammateUnum, -1) << team;
@@ -434,7 +434,7 @@ TEST_F(HearTest, OtherTeamsAreNotListenedTo) {
   }
 }
 
-TEST_F(HearTest, TheTeamWordIsFixedWhateverTheConfigurationSays) {
+TEST_F(WorldModelUpdateHearTest, TheTeamWordIsFixedWhateverTheConfigurationSays) {
   sandbox.set("Agent", "Public", "TeamName", "Others");
   restart();
   hear("Others 12.34 self u07rc04");
@@ -443,7 +443,7 @@ TEST_F(HearTest, TheTeamWordIsFixedWhateverTheConfigurationSays) {
   EXPECT_EQ(model->fastestTeammateUnum, 7);
 }
 
-TEST_F(HearTest, WithoutACycleCountTheOldOneStays) {
+TEST_F(WorldModelUpdateHearTest, WithoutACycleCountTheOldOneStays) {
   hear("Quolnaris 12.34 30 u05rc03");
   hear("Quolnaris 12.34 30 u07");
   EXPECT_EQ(model->fastestTeammateUnum, 7);
@@ -453,13 +453,13 @@ TEST_F(HearTest, WithoutACycleCountTheOldOneStays) {
   EXPECT_EQ(model->fastestReachCycle, 3);
 }
 
-TEST_F(HearTest, TheFirstLetterOfAMessageIsNotChecked) {
+TEST_F(WorldModelUpdateHearTest, TheFirstLetterOfAMessageIsNotChecked) {
   hear("Quolnaris 12.34 30 x09rc01");
   EXPECT_EQ(model->fastestTeammateUnum, 9);
   EXPECT_EQ(model->fastestReachCycle, 1);
 }
 
-TEST_F(HearTest, OtherMessagesGiveMeaninglessNumbersAndCount) {
+TEST_F(WorldModelUpdateHearTest, OtherMessagesGiveMeaninglessNumbersAndCount) {
   model->gameTime = 3.0f;
   hear("Quolnaris 12.34 30 ab");  // "ab)": 'b' - '0' is 50, ')' - '0' is -7
   EXPECT_EQ(model->fastestTeammateUnum, 493);
@@ -471,13 +471,13 @@ TEST_F(HearTest, OtherMessagesGiveMeaninglessNumbersAndCount) {
   EXPECT_EQ(model->fastestReachCycle, -7 * 10 - 48);
 }
 
-TEST_F(HearTest, AFallIsNeverHeard) {
+TEST_F(WorldModelUpdateHearTest, AFallIsNeverHeard) {
   hear("Quolnaris 12.34 30 f00fff");
   hear("foof 12.34 30 u01rf00");
   EXPECT_FALSE(model->fastestIsFall);
 }
 
-TEST_F(HearTest, MessagesWithMissingValuesAreDropped) {
+TEST_F(WorldModelUpdateHearTest, MessagesWithMissingValuesAreDropped) {
   for (const char* broken : {"Quolnaris 12.34 self", "Quolnaris", "", "Quolnaris x self u07rc04",
                              "12.34 self u07rc04"}) {
     hear(broken);
@@ -486,7 +486,7 @@ TEST_F(HearTest, MessagesWithMissingValuesAreDropped) {
   }
 }
 
-TEST_F(HearTest, AClaimNeverAges) {
+TEST_F(WorldModelUpdateHearTest, AClaimNeverAges) {
   update("(GS (t 1.00) (pm PlayOn))(hear Quolnaris 1.00 self u07rc04)");
   update("(GS (t 500.00) (pm KickOff_Left))");
   EXPECT_EQ(model->fastestTeammateUnum, 7);

@@ -168,12 +168,87 @@ TEST_F(WorldModelVisionTest, ShortVisionExpressionsHoldNothing) {
   }
 }
 
-TEST_F(WorldModelVisionTest, SightingsThatCannotBeReadAreDropped) {
+TEST_F(WorldModelVisionTest, ABallWithoutNumbersIsSeenWhereItWas) {
   for (const char* broken :
-       {"(B (pol x 0 0))", "(B (pol 1 2))", "(B)", "(B (pol 1e999 0 0))", "(F1L (pol 1 inf 2))",
-        "(F1L)", "(G1L (pol))", "(L (pol 1 2 3))", "(L (pol 1 2 3) (pol 1 2 x))", "(mypos 1 2)",
-        "(ballpos a b c)", "(P (team A) (id 3))", "(P (team A) (id 3) (head (pol 1 x 2)))", "(P)",
-        "(P (team A))", "(P (team A) (id x) (head (pol 1 2 3)))"}) {
+       {"(B (pol nan nan nan))", "(B (pol 1 2))", "(B)", "(B (pol 1e999 0 0))"}) {
+    restart();
+    model->ball->setCameraPosition(Vector(1, 2, 3));
+    parse(broken);
+    EXPECT_EQ(model->ball->getCameraPosition(), Vector(1, 2, 3)) << broken;
+    EXPECT_EQ(model->ball->getLastTimeSeen(), 10.0f) << broken;
+    EXPECT_NE(model->ball->getVelocity(), Vector()) << broken;
+  }
+}
+
+TEST_F(WorldModelVisionTest, ALandmarkWithoutNumbersIsSeenWhereItWas) {
+  for (const char* broken : {"(F1L (pol nan nan nan))", "(F1L (pol 1 inf 2))", "(F1L)"}) {
+    restart();
+    model->flag[0].setCameraPosition(Vector(1, 2, 3));
+    model->flag[4].setCameraPosition(Vector(4, 5, 6));
+    parse(std::string(broken) + " (G1L (pol 1.00 nan nan))");
+    EXPECT_EQ(model->flag[0].getCameraPosition(), Vector(1, 2, 3)) << broken;
+    EXPECT_EQ(model->flag[0].getLastTimeSeen(), 10.0f) << broken;
+    EXPECT_EQ(model->flag[4].getCameraPosition(), Vector(4, 5, 6)) << broken;
+    EXPECT_EQ(model->flag[4].getLastTimeSeen(), 10.0f) << broken;
+  }
+}
+
+// As the league's server has sent it.
+constexpr const char* kLineWithoutAnEnd = "(L (pol nan nan nan) (pol 4.49 60.00 2.50))";
+
+TEST_F(WorldModelVisionTest, ALineWithoutTheNumbersOfOneEndIsALine) {
+  parse("(L (pol 7.71 58.90 5.58) (pol 7.52 59.95 5.19)) " + std::string(kLineWithoutAnEnd) +
+        " (L (pol 4.21 -1.50 2.50) (pol nan nan nan))");
+  ASSERT_EQ(model->fieldLine.size(), 3u);
+  EXPECT_EQ(model->fieldLine[1].getFirstPoint().getCameraPosition(), Vector());
+  EXPECT_EQ(model->fieldLine[1].getFirstPoint().getLastTimeSeen(), 10.0f);
+  EXPECT_EQ(model->fieldLine[1].getSecondPoint().getCameraPosition(), polarVector(4.49, 60, 2.5));
+  EXPECT_EQ(model->fieldLine[1].getSecondPoint().getLastTimeSeen(), 10.0f);
+  EXPECT_EQ(model->fieldLine[2].getFirstPoint().getCameraPosition(), polarVector(4.21, -1.5, 2.5));
+  EXPECT_EQ(model->fieldLine[2].getSecondPoint().getCameraPosition(), Vector());
+}
+
+TEST_F(WorldModelVisionTest, APictureWhoseOnlyLineHasAnEndWithoutNumbersHasALine) {
+  Matrix<4, 4> turned;
+  turned.rotationByZ(30);
+  model->mySelf->setGyroRotation(turned);
+  update(see(kLineWithoutAnEnd));
+  // A line makes vision follow the gyro.
+  EXPECT_NE(model->mySelf->gyro.get(1, 0), 0);
+  EXPECT_EQ(model->mySelf->body.get(1, 0), model->mySelf->gyro.get(1, 0));
+}
+
+TEST_F(WorldModelVisionTest, LinesWithoutAnyNumbersAreLines) {
+  for (const char* broken : {"(L (pol nan nan nan) (pol nan nan nan))", "(L (pol 1 x 3))", "(L)"}) {
+    parse(broken);
+    ASSERT_EQ(model->fieldLine.size(), 1u) << broken;
+    EXPECT_EQ(model->fieldLine[0].getFirstPoint().getCameraPosition(), Vector()) << broken;
+    EXPECT_EQ(model->fieldLine[0].getSecondPoint().getCameraPosition(), Vector()) << broken;
+  }
+}
+
+TEST_F(WorldModelVisionTest, APlayerWithoutNumbersIsSeenWhereItWas) {
+  for (const char* broken :
+       {"(P (team A) (id 3) (head (pol nan nan nan)))", "(P (team A) (id 3) (head (pol 1 x 2)))"}) {
+    restart();
+    Player& other = model->player[1][2];
+    other.setCameraPosition(Vector(1, 2, 3));
+    other.headPosition = Vector(4, 5, 6);
+    parse(broken);
+    EXPECT_EQ(other.getCameraPosition(), Vector(1, 2, 3)) << broken;
+    EXPECT_EQ(other.getLastTimeSeen(), 10.0f) << broken;
+    EXPECT_EQ(other.headPosition, Vector(4, 5, 6)) << broken;
+    EXPECT_EQ(other.headLastTimeSeen, 10.0f) << broken;
+    EXPECT_EQ(other.rightFootLastTimeSeen, 0.0f) << broken;
+  }
+  restart();
+  parse("(P (team A) (id 3))");
+  EXPECT_EQ(model->player[1][2].getLastTimeSeen(), 10.0f);
+}
+
+TEST_F(WorldModelVisionTest, PlayersWithoutANumberAndTruePlacesThatCannotBeReadAreDropped) {
+  for (const char* broken : {"(mypos 1 2)", "(ballpos a b c)", "(P)", "(P (team A))",
+                             "(P (team A) (id x) (head (pol 1 2 3)))"}) {
     restart();
     parse(broken);
     EXPECT_EQ(model->ball->getLastTimeSeen(), -1000.0f) << broken;

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <stdexcept>
 
 namespace support {
@@ -74,9 +73,7 @@ std::string FakeServer::receiveBytes(std::size_t count) {
 }
 
 std::string FakeServer::receive() {
-  std::uint32_t size = 0;
-  for (const char c : receiveBytes(4)) size = size << 8 | static_cast<unsigned char>(c);
-  return receiveBytes(size);
+  return receiveBytes(frameLength(receiveBytes(kFrameHead)));
 }
 
 bool FakeServer::isQuietFor(std::chrono::milliseconds time) const {
@@ -107,17 +104,6 @@ void FakeServer::closeConnection() {
 void FakeServer::stopListening() {
   if (listener != -1) ::close(listener);
   listener = -1;
-}
-
-std::string FakeServer::frame(const std::string& text) {
-  return prefix(static_cast<int>(text.size())) + text;
-}
-
-std::string FakeServer::prefix(int length) {
-  const auto value = static_cast<std::uint32_t>(length);
-  std::string bytes;
-  for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 0xFF);
-  return bytes;
 }
 
 }  // namespace support

@@ -2,8 +2,11 @@
 #define QUOLNARIS_TESTS_SUPPORT_FAKESERVER_H_
 
 #include <chrono>
+#include <cstdint>
 #include <string>
 #include <vector>
+
+#include "FramedLink.h"
 
 namespace support {
 
@@ -56,10 +59,10 @@ class FakeServer {
   void stopListening();
 
   /// `text` with its length in front.
-  static std::string frame(const std::string& text);
+  static std::string frame(const std::string& text) { return framed(text); }
 
   /// A length alone, for frames whose length lies.
-  static std::string prefix(int length);
+  static std::string prefix(int length) { return frameHead(static_cast<std::uint32_t>(length)); }
 
  private:
   std::string receiveBytes(std::size_t count);

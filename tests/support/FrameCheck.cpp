@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cmath>
 
+namespace support {
+
 namespace {
 
-using Limb = TestBody::Limb;
+using Limb = FakeBody::Limb;
 
 constexpr float kJustOutside = 0.5f;
 constexpr float kJustInside = 0.25f;
@@ -16,7 +18,7 @@ constexpr float kMaxPerCycle = 6;
 template <typename Keep>
 CommandList select(Keep keep, float value, float gain, float error) {
   CommandList list;
-  for (const TestBody::Hinge& hinge : TestBody::hinges()) {
+  for (const FakeBody::Hinge& hinge : FakeBody::hinges()) {
     if (keep(hinge)) list.push_back({hinge, value, gain, error});
   }
   return list;
@@ -47,19 +49,19 @@ CommandList bothHands(int joint, float value, float gain, float error) {
 }
 
 CommandList allOfBothLegs(float value, float gain, float error) {
-  return select([](const TestBody::Hinge& h) { return h.limb == Limb::kLeg; }, value, gain, error);
+  return select([](const FakeBody::Hinge& h) { return h.limb == Limb::kLeg; }, value, gain, error);
 }
 
 CommandList allOfBothHands(float value, float gain, float error) {
-  return select([](const TestBody::Hinge& h) { return h.limb == Limb::kHand; }, value, gain, error);
+  return select([](const FakeBody::Hinge& h) { return h.limb == Limb::kHand; }, value, gain, error);
 }
 
 CommandList wholeHead(float value, float gain, float error) {
-  return select([](const TestBody::Hinge& h) { return h.limb == Limb::kHead; }, value, gain, error);
+  return select([](const FakeBody::Hinge& h) { return h.limb == Limb::kHead; }, value, gain, error);
 }
 
 CommandList wholeBody(float value, float gain, float error) {
-  return select([](const TestBody::Hinge&) { return true; }, value, gain, error);
+  return select([](const FakeBody::Hinge&) { return true; }, value, gain, error);
 }
 
 CommandList solvedLeg(bool side, const double* theta, float gain, float error) {
@@ -75,21 +77,21 @@ CommandList operator+(CommandList a, const CommandList& b) {
   return a;
 }
 
-void placeInside(TestBody& body, const CommandList& commands) {
+void placeInside(FakeBody& body, const CommandList& commands) {
   for (const JointCommand& c : commands) {
     body.place(c.hinge, std::isnan(c.value) ? 0 : c.value - (c.error - kJustInside));
   }
 }
 
-void placeOutside(TestBody& body, const CommandList& commands) {
+void placeOutside(FakeBody& body, const CommandList& commands) {
   for (const JointCommand& c : commands) {
     body.place(c.hinge, std::isnan(c.value) ? 0 : c.value - (c.error + kJustOutside));
   }
 }
 
-void expectDriven(TestBody& body, const CommandList& commands) {
-  for (const TestBody::Hinge& hinge : TestBody::hinges()) {
-    SCOPED_TRACE(TestBody::name(hinge));
+void expectDriven(FakeBody& body, const CommandList& commands) {
+  for (const FakeBody::Hinge& hinge : FakeBody::hinges()) {
+    SCOPED_TRACE(FakeBody::name(hinge));
     const auto c = std::find_if(commands.begin(), commands.end(), [&](const JointCommand& command) {
       return command.hinge == hinge;
     });
@@ -108,7 +110,7 @@ void expectDriven(TestBody& body, const CommandList& commands) {
   }
 }
 
-void checkFrame(TestBody& body, const Frame& frame) {
+void checkFrame(FakeBody& body, const Frame& frame) {
   {
     SCOPED_TRACE("all joints outside their tolerance");
     frame.enter();
@@ -120,7 +122,7 @@ void checkFrame(TestBody& body, const Frame& frame) {
   }
   for (const JointCommand& late : frame.commands) {
     if (std::isnan(late.value)) continue;  // always counts as arrived
-    SCOPED_TRACE("only " + TestBody::name(late.hinge) + " outside its tolerance");
+    SCOPED_TRACE("only " + FakeBody::name(late.hinge) + " outside its tolerance");
     frame.enter();
     placeInside(body, frame.commands);
     placeOutside(body, {late});
@@ -128,7 +130,7 @@ void checkFrame(TestBody& body, const Frame& frame) {
     frame.step();
     EXPECT_FALSE(frame.left());
     for (const JointCommand& c : frame.commands) {
-      EXPECT_TRUE(body.commanded(c.hinge)) << TestBody::name(c.hinge);
+      EXPECT_TRUE(body.commanded(c.hinge)) << FakeBody::name(c.hinge);
     }
   }
   SCOPED_TRACE("all joints inside their tolerance");
@@ -138,6 +140,8 @@ void checkFrame(TestBody& body, const Frame& frame) {
   frame.step();
   EXPECT_TRUE(frame.left());
   for (const JointCommand& c : frame.commands) {
-    EXPECT_EQ(body.controller(c.hinge).Angle, 0) << TestBody::name(c.hinge);
+    EXPECT_EQ(body.controller(c.hinge).Angle, 0) << FakeBody::name(c.hinge);
   }
 }
+
+}  // namespace support

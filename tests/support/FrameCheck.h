@@ -4,14 +4,16 @@
 #include <functional>
 #include <vector>
 
-#include "support/TestBody.h"
+#include "support/FakeBody.h"
 
 // Checks one frame of a key-frame sequence against the commands that it must send.
+
+namespace support {
 
 // One joint command: target and tolerance in degrees, gain in percent per cycle. A target that is
 // not a number, as a pose out of reach has them, is one of no motion that has arrived.
 struct JointCommand {
-  TestBody::Hinge hinge;
+  FakeBody::Hinge hinge;
   float value;
   float gain;
   float error;
@@ -46,13 +48,15 @@ struct Frame {
 // Every command is sent in every cycle with its value and gain, no other hinge is addressed, the
 // frame stays while any single hinge is just outside its tolerance, and is left once all are just
 // inside. REQUIRES: no hinge twice in the list.
-void checkFrame(TestBody& body, const Frame& frame);
+void checkFrame(FakeBody& body, const Frame& frame);
 
 // All hinges of the list just inside, or just outside, their tolerance.
-void placeInside(TestBody& body, const CommandList& commands);
-void placeOutside(TestBody& body, const CommandList& commands);
+void placeInside(FakeBody& body, const CommandList& commands);
+void placeOutside(FakeBody& body, const CommandList& commands);
 
 // After a cycle that began with markCommands and placeOutside: exactly these hinges were driven.
-void expectDriven(TestBody& body, const CommandList& commands);
+void expectDriven(FakeBody& body, const CommandList& commands);
+
+}  // namespace support
 
 #endif  // QUOLNARIS_TESTS_SUPPORT_FRAMECHECK_H_

@@ -8,6 +8,8 @@
 #include "Agent/JointController.h"
 #include "Kinematics/InverseKinematic.h"
 
+namespace support {
+
 LegTargets legTargets(const GaitNumbers& numbers, const Feet& feet, bool leg, bool rotating,
                       double height) {
   const double middle = (feet.place[kLeft] + feet.place[kRight]) / 2;
@@ -24,13 +26,13 @@ LegTargets legTargets(const GaitNumbers& numbers, const Feet& feet, bool leg, bo
   return targets;
 }
 
-void expectLegs(TestBody& body, const LegTargets& targets, float speed) {
+void expectLegs(FakeBody& body, const LegTargets& targets, float speed) {
   for (bool side : {kLeft, kRight}) {
     double theta[7];
     InverseKinematic().legSolverWith1(targets.torso, targets.ankle[side], theta, side,
                                       targets.yaw[side]);
     for (int joint = 1; joint <= 6; ++joint) {
-      SCOPED_TRACE(TestBody::name({TestBody::Limb::kLeg, side, joint}));
+      SCOPED_TRACE(FakeBody::name({FakeBody::Limb::kLeg, side, joint}));
       const JointController& leg = body.leg(side, joint);
       if (std::isnan(theta[joint])) {  // out of reach: the joint stops
         EXPECT_EQ(leg.Angle, 0);
@@ -43,10 +45,10 @@ void expectLegs(TestBody& body, const LegTargets& targets, float speed) {
   }
 }
 
-void expectNoLegCommand(TestBody& body) {
+void expectNoLegCommand(FakeBody& body) {
   for (bool side : {kLeft, kRight}) {
     for (int joint = 1; joint <= 7; ++joint) {
-      EXPECT_FALSE(body.commanded({TestBody::Limb::kLeg, side, joint}));
+      EXPECT_FALSE(body.commanded({FakeBody::Limb::kLeg, side, joint}));
     }
   }
 }
@@ -61,3 +63,5 @@ Vector pointAt(double angle, double distance) {
   const double radians = angle * 3.14159265358979 / 180;
   return Vector(distance * std::cos(radians), distance * std::sin(radians), 0);
 }
+
+}  // namespace support

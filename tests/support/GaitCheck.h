@@ -5,16 +5,16 @@
 
 #include <string>
 
+#include "BasicAction/Reset.h"
 #include "Mathematics/Vector.h"
-#include "support/TestBody.h"
+#include "support/FakeBody.h"
 
 // What the tests of the gaits and turns share: the targets that a phase of a step asks of both
 // legs, worked out from the gait's numbers, and their comparison with what the body was sent.
 
-inline constexpr bool kLeft = false;
-inline constexpr bool kRight = true;
+namespace support {
 
-// One gait's numbers in millimetres, degrees and percent, as the configuration of TestBody gives
+// One gait's numbers in millimetres, degrees and percent, as the configuration of FakeBody gives
 // them, worked out by hand in each test.
 struct GaitNumbers {
   double torso[3];
@@ -56,10 +56,10 @@ LegTargets legTargets(const GaitNumbers& numbers, const Feet& feet, bool leg, bo
 
 // Joints 1 to 6 of both legs are driven towards the targets at `speed`, and stopped where a target
 // is out of reach.
-void expectLegs(TestBody& body, const LegTargets& targets, float speed);
+void expectLegs(FakeBody& body, const LegTargets& targets, float speed);
 
 // No leg joint has been commanded in this cycle. REQUIRES: markCommands() at its start.
-void expectNoLegCommand(TestBody& body);
+void expectNoLegCommand(FakeBody& body);
 
 // The text holds the line.
 void expectLine(const std::string& text, const std::string& line);
@@ -71,7 +71,7 @@ Vector pointAt(double angle, double distance = 5);
 // Runs `execute` for one step, phase by phase, and compares the sequencer, the phase, the result
 // and both legs' targets with the step.
 template <class Action, class Execute>
-void expectStep(TestBody& body, Action& action, int& sequence, Execute execute,
+void expectStep(FakeBody& body, Action& action, int& sequence, Execute execute,
                 const GaitNumbers& numbers, const GaitStep& step, Feet& feet) {
   double height = 0;
   for (int phase = 0; phase < 4; ++phase) {
@@ -94,7 +94,7 @@ void expectStep(TestBody& body, Action& action, int& sequence, Execute execute,
 // Runs `execute` through the stance, which must report false throughout; gives the number of
 // cycles that it took.
 template <class Execute>
-int takeStance(TestBody& body, const int& sequence, Execute execute) {
+int takeStance(FakeBody& body, const int& sequence, Execute execute) {
   const int start = sequence;
   int cycles = 0;
   while (sequence == start && cycles < 1000) {
@@ -105,5 +105,47 @@ int takeStance(TestBody& body, const int& sequence, Execute execute) {
   EXPECT_LT(cycles, 1000) << "the stance is never reached";
   return cycles;
 }
+
+// A gait on a body of its own, and where its feet stand: what the tests of the gaits begin with.
+template <class Gait>
+class GaitFixture : public ::testing::Test {
+ protected:
+  bool execute() { return gait.execute(); }
+  void start() {
+    takeStance(body, gait.basicWalkState, [this] { return execute(); });
+  }
+  void expectStepOf(const GaitNumbers& numbers, const GaitStep& step) {
+    expectStep(
+        body, gait, gait.basicWalkState, [this] { return execute(); }, numbers, step, feet);
+  }
+
+  // The first cycle goes for this stance, at the gaits' speeds.
+  void expectStance(Reset::Stance stance) {
+    body.nextCycle();
+    EXPECT_FALSE(execute());
+    const Reset& reset = *body.agent.reset;
+    EXPECT_EQ(reset.State, stance);
+    EXPECT_EQ(reset.Speed, 10);
+    EXPECT_EQ(reset.SP, 5);
+  }
+
+  // The ten doubles that the arbiter clears after an end step stand first, in this order.
+  void expectFirstTenDoubles() {
+    const auto* begin = reinterpret_cast<const char*>(&gait.RotZ);
+    const auto place = [begin](const auto& field) {
+      return (reinterpret_cast<const char*>(&field) - begin) / static_cast<int>(sizeof(double));
+    };
+    EXPECT_EQ(place(gait.Xtorso), 4);
+    EXPECT_EQ(place(gait.Ytorso), 5);
+    EXPECT_EQ(place(gait.Ztorso), 6);
+    EXPECT_EQ(place(gait.Xankle), 7);
+  }
+
+  FakeBody body;
+  Gait gait;
+  Feet feet;
+};
+
+}  // namespace support
 
 #endif  // QUOLNARIS_TESTS_SUPPORT_GAITCHECK_H_

@@ -9,6 +9,8 @@
 
 #include "support/GaitCheck.h"
 
+namespace support {
+
 // The rules of the five actions that step in pairs, written out once more, plainly and on numbers
 // alone: what the sequencer, the legs and the feet do in each cycle for the angle seen in it. Tests
 // run an action and its oracle side by side over random targets.
@@ -195,7 +197,7 @@ class PairOracle {
 // accumulated feet, by side; `renew` is called after a true result. Returns how many results were
 // true.
 template <class Action, class Aim, class Execute, class Places, class Renew>
-int expectLikeOracle(TestBody& body, Action& action, const int& sequence, PairOracle& oracle,
+int expectLikeOracle(FakeBody& body, Action& action, const int& sequence, PairOracle& oracle,
                      double error, int cycles, int hold, unsigned seed, Aim aim, Execute execute,
                      Places places, Renew renew) {
   std::mt19937 random(seed);
@@ -231,5 +233,7 @@ int expectLikeOracle(TestBody& body, Action& action, const int& sequence, PairOr
   }
   return ends;
 }
+
+}  // namespace support
 
 #endif  // QUOLNARIS_TESTS_SUPPORT_PAIRORACLE_H_

@@ -9,8 +9,8 @@
 #include <fstream>
 #include <string>
 
-#include "arena/Support/FakeWorld.h"
 #include "Recording/RecordingWriter.h"
+#include "arena/Support/FakeWorld.h"
 
 namespace arena {
 namespace {
@@ -74,6 +74,15 @@ class MatchPictureTest : public testing::Test {
   ~MatchPictureTest() override { std::filesystem::remove(path); }
   const std::string path;
 };
+
+TEST_F(MatchPictureTest, DrawsARecordingThatWasCutOffAndSaysSo) {
+  std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+  const Outcome outcome = run(path);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.output.find("match-picture: the recording has no end"), std::string::npos);
+  EXPECT_NE(outcome.output.find("the recording was cut off"), std::string::npos);
+  EXPECT_NE(outcome.output.find("</svg>"), std::string::npos);
+}
 
 TEST_F(MatchPictureTest, DrawsPathsScoreAndGoals) {
   const Outcome outcome = run(path);

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <boost/asio.hpp>
 #include <chrono>
 #include <fstream>
 #include <regex>
@@ -11,21 +9,13 @@
 #include <thread>
 #include <vector>
 
-#include "RecordingReader.h"
+#include "FrameRecording.h"
+#include "FramedLink.h"
 #include "support/PlayerProcess.h"
 #include "support/Process.h"
 #include "support/TempDirectory.h"
 
 namespace {
-
-using boost::asio::ip::tcp;
-
-std::string framed(const std::string& text) {
-  const auto n = static_cast<std::uint32_t>(text.size());
-  std::string bytes = {static_cast<char>(n >> 24U), static_cast<char>(n >> 16U),
-                       static_cast<char>(n >> 8U), static_cast<char>(n)};
-  return bytes + text;
-}
 
 // A recording of frames "(f 1)" to "(f N)".
 std::string recording(int frames) {
@@ -34,30 +24,14 @@ std::string recording(int frames) {
   return bytes;
 }
 
-// The far side of replay: speaks the wire's framing.
-class Client {
+// The far side of replay.
+class Client : public FramedLink {
  public:
-  explicit Client(int port) : socket_(io_) {
-    socket_.connect({boost::asio::ip::address_v4::loopback(), static_cast<std::uint16_t>(port)});
-  }
-  void send(const std::string& text) {
-    boost::asio::write(socket_, boost::asio::buffer(framed(text)));
-  }
-  std::string receive() {
-    std::array<unsigned char, 4> p{};
-    boost::asio::read(socket_, boost::asio::buffer(p));
-    std::string text(std::size_t{p[2]} << 8U | p[3], '\0');
-    boost::asio::read(socket_, boost::asio::buffer(text));
-    return text;
-  }
-  bool isQuiet() {
+  explicit Client(int port) : FramedLink("127.0.0.1", static_cast<std::uint16_t>(port)) {}
+  bool isQuiet() const {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    return socket_.available() == 0;
+    return !hasData();
   }
-
- private:
-  boost::asio::io_context io_;
-  tcp::socket socket_;
 };
 
 class ReplayTest : public ::testing::Test {
@@ -159,8 +133,8 @@ TEST_F(ReplayTest, ASilentPlayerIsReported) {
 TEST_F(ReplayTest, AnAbsurdLengthIsReported) {
   directory.write("r.frames", recording(20));
   support::Process replay("replay", directory.path(), {"r.frames", "--port", "0"});
-  tcp::iostream raw("127.0.0.1", std::to_string(start(replay)));
-  raw << "\xff\xff\xff\xff" << std::flush;
+  Client client(start(replay));
+  client.sendRaw(frameHead(0xffffffffU));
   EXPECT_EQ(replay.wait().code, 1);
   EXPECT_NE(replay.standardError().find("announced a message of"), std::string::npos);
 }

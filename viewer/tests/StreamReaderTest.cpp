@@ -7,7 +7,7 @@
 
 #include "Match/Match.h"
 #include "Monitor/MonitorStream.h"
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 
 namespace viewer {
 namespace {

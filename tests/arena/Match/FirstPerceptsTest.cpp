@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "Match/Match.h"
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 
 namespace arena {
 namespace {

@@ -16,8 +16,6 @@
 namespace arena {
 namespace {
 
-using Tcp = boost::asio::ip::tcp;
-
 ServerOptions impatient() {
   ServerOptions options;
   options.agentTimeout = 0.2;
@@ -152,6 +150,83 @@ TEST(ArenaServerLockstepTest, GoesOnWithoutASilentAgentAndTakesItBack) {
   ASSERT_TRUE(busy.follow(60));
 }
 
+// What is owed at the time-out is forgiven, so that it is not waited for again in each cycle.
+TEST(ArenaServerLockstepTest, ForgivesAnAgentTheAnswersThatItHasMissed) {
+  ServerOptions options;
+  options.agentTimeout = 0.5;
+  Arena arena(options);
+  Player agent(arena.agents(), 1, "Alpha");
+  for (int i = 0; i < 4; ++i) ASSERT_TRUE(agent.receive());
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_TRUE(agent.play(300));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+  // And it is waited for.
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  const long before = arena.cycles();
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_EQ(arena.cycles(), before);
+}
+
+TEST(ArenaServerLockstepTest, LetsOthersPlayOnAtFullSpeedBesideAnAgentThatHasMissedAnswers) {
+  ServerOptions options;
+  options.agentTimeout = 0.5;
+  Arena arena(options);
+  Companion busy(arena.agents());
+  Player agent(arena.agents(), 2, "Alpha");
+  for (int i = 0; i < 4; ++i) ASSERT_TRUE(agent.receive());
+  const auto start = std::chrono::steady_clock::now();
+  std::thread answering([&] { agent.play(1000); });
+  EXPECT_TRUE(busy.follow(200));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+  agent.shutDown();
+  answering.join();
+}
+
+// An answer that was late leaves nothing behind: the agent is two frames ahead of its answers at
+// most, as before.
+TEST(ArenaServerLockstepTest, WaitsAsBeforeForAnAgentWhoseAnswerCameTooLate) {
+  Arena arena(impatient());
+  Player agent(arena.agents(), 1, "Alpha");
+  // Answers what has come meanwhile; returns how much that was.
+  const auto answer = [&agent] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(40));
+    int frames = 0;
+    for (; agent.hasData(); ++frames) agent.receive();
+    for (int i = 0; i < frames; ++i) agent.send("(syn)");
+    return frames;
+  };
+  for (int pause = 0; pause < 3; ++pause) {
+    while (answer() > 2) {
+    }
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(answer(), 2);
+    std::this_thread::sleep_for(std::chrono::milliseconds(250));
+  }
+  EXPECT_EQ(arena.logged("silent"), 1);
+}
+
+// Frames that it has lost by not reading are not expected to be answered.
+TEST(ArenaServerLockstepTest, DoesNotWaitForAnswersToFramesThatWereDropped) {
+  Arena arena(impatient());
+  Client agent(arena.agents(), 4096);
+  agent.send("(scene rsg/agent/nao/nao.rsg)");
+  for (int i = 0; i < 3000 && arena.logged("frames are dropped") == 0; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  ASSERT_EQ(arena.logged("frames are dropped"), 1);
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 5000; ++i) {
+    const auto frame = agent.receive();
+    ASSERT_TRUE(frame);
+    agent.send("(syn)");
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  const long before = arena.cycles();
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_EQ(arena.cycles(), before) << "it is not waited for again";
+}
+
 TEST(ArenaServerLockstepTest, LetsTheClockStandWithoutAgents) {
   Arena arena;
   {
@@ -217,10 +292,9 @@ std::string playRole(unsigned short port, const Role& role, int frames, unsigned
   dawdle();
   const std::string scene =
       "(scene rsg/agent/nao/nao_hetero.rsg " + std::to_string(role.type) + ")";
-  const auto prefix = framePrefix(scene.size());
-  agent.sendRaw(std::string(prefix.begin(), prefix.end()) + scene.substr(0, 10));
+  agent.sendRaw(framed(scene).substr(0, 14));
   dawdle();
-  agent.sendRaw(scene.substr(10));
+  agent.sendRaw(framed(scene).substr(14));
   std::string stream;
   for (int frame = 1; frame <= frames; ++frame) {
     const auto text = agent.receive();
@@ -338,6 +412,65 @@ TEST_F(ArenaServerTest, SurvivesAFloodOfSmallFrames) {
   playOn();
 }
 
+// Whoever sends without end has a share of what is read in a cycle taken, and no more.
+TEST_F(ArenaServerTest, PlaysOnWhileAMonitorFloods) {
+  Flood flood(arena.monitors(), "(select)");
+  playOn(300);
+}
+
+TEST_F(ArenaServerTest, PlaysOnWhileAgentsWithoutASceneFlood) {
+  Flood floods[] = {{arena.agents(), "(syn)"},
+                    {arena.agents(), ""},
+                    {arena.agents(), "(scene x)"},
+                    {arena.agents(), std::string(60000, '(')}};
+  playOn(300);
+}
+
+TEST_F(ArenaServerTest, PlaysOnWhileClientsComeAndGoWithoutEnd) {
+  std::atomic<bool> done{false};
+  std::thread door([&] {
+    while (!done) Client(arena.agents()).reset();
+  });
+  playOn(300);
+  done = true;
+  door.join();
+}
+
+TEST_F(ArenaServerTest, HeedsATrainerWhileAnotherOneFloods) {
+  Flood flood(arena.monitors(), "(select)");
+  Client trainer(arena.monitors());
+  trainer.send("(playMode PlayOn)");
+  for (int i = 0; i < 2000 && !contains(player.last(), "PlayOn"); ++i) playOn(1);
+  EXPECT_TRUE(contains(player.last(), "PlayOn"));
+}
+
+// More than is taken in one cycle.
+TEST_F(ArenaServerTest, CarriesOutAllCommandsOfATrainerWhoLeavesAtOnce) {
+  Client trainer(arena.monitors());
+  std::string commands;
+  for (int i = 1; i <= 1000; ++i) commands += framed("(score (left " + std::to_string(i) + "))");
+  trainer.sendRaw(commands);
+  trainer.close();
+  for (int i = 0; i < 2000 && !contains(player.last(), "(sl 1000)"); ++i) playOn(1);
+  EXPECT_TRUE(contains(player.last(), "(sl 1000)"));
+}
+
+TEST(ArenaServerRealTimeTest, PlaysOnWhileAgentsAndMonitorsFlood) {
+  ServerOptions options;
+  options.realTime = true;
+  Arena arena(options);
+  Companion player(arena.agents());
+  Player noisy(arena.agents(), 2, "Alpha");
+  Flood floods[] = {{arena.monitors(), "(select)"},
+                    {arena.agents(), "(syn)"},
+                    {arena.agents(), "(syn)"},
+                    {arena.agents(), "(syn)"},
+                    {arena.agents(), "(syn)"}};
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(player.follow(50));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
 TEST_F(ArenaServerTest, SurvivesAnAgentThatNeverReads) {
   Client rude(arena.agents());
   rude.send("(scene rsg/agent/nao/nao.rsg)");
@@ -398,6 +531,39 @@ TEST_F(ArenaServerTest, TurnsAwayACrowd) {
   EXPECT_GE(arena.logged("too many connections"), 1);
 }
 
+// While the clock stands there is no cycle in which they would be let go.
+TEST(ArenaServerStandingTest, ForgetsThoseWhoHaveLeft) {
+  Arena arena;
+  for (int i = 0; i < 3 * ArenaServer::kMaxAgents; ++i) {
+    Client guest(arena.agents());
+    if (i % 2 == 0) guest.send("(syn)");
+  }
+  for (int i = 0; i < 3 * ArenaServer::kMaxMonitors; ++i) Client guest(arena.monitors());
+  Client monitor(arena.monitors());
+  EXPECT_TRUE(contains(monitor.receive(), "RSG 0 1"));
+  Player player(arena.agents(), 1, "Alpha");
+  EXPECT_TRUE(player.play(5));
+  EXPECT_EQ(arena.logged("too many connections"), 0);
+}
+
+TEST(ArenaServerStandingTest, HeedsTheEndBehindAFloodOfCommands) {
+  Arena arena;
+  Client trainer(arena.monitors());
+  for (int i = 0; i < 10000; ++i) trainer.send("(select)");
+  trainer.send("(killsim)");
+  arena.join();
+  EXPECT_EQ(arena.logged("more commands than can wait"), 1);
+}
+
+// Many connections at once, each with a word of its own before the scene.
+TEST(ArenaServerStandingTest, ReadsWhatComesBeforeTheScene) {
+  Arena arena;
+  Client agent(arena.agents());
+  for (int i = 0; i < 500; ++i) agent.send("(syn)");
+  agent.send("(scene rsg/agent/nao/nao.rsg)");
+  EXPECT_TRUE(contains(agent.receive(), "(time (now 0.04))"));
+}
+
 TEST_F(ArenaServerTest, SurvivesMonitorsThatDoNotRead) {
   Client blind(arena.monitors());
   Client watching(arena.monitors());
@@ -420,6 +586,29 @@ TEST_F(ArenaServerTest, SurvivesRubbishAtTheMonitorPort) {
   rude.sendRaw(std::string("\xff\xff\xff\xff", 4));
   playOn();
   EXPECT_TRUE(contains(player.last(), "BeforeKickOff"));
+}
+
+// ------------------------------------------------------------------------------------------ ports
+
+std::string refusal(const ServerOptions& options) {
+  Match match{MatchOptions()};
+  try {
+    ArenaServer server(match, options, [](const std::string&) {});
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(ArenaServerPortTest, NamesThePlaceWhereItCannotListen) {
+  Arena arena;
+  ServerOptions options;
+  options.agentPort = 0;
+  options.monitorPort = arena.monitors();
+  EXPECT_EQ(refusal(options), "cannot listen for monitors at 127.0.0.1 port " +
+                                  std::to_string(arena.monitors()) + ": Address already in use");
+  options.bind = "no-such-host";
+  EXPECT_EQ(refusal(options), "cannot listen at 'no-such-host': that is no IP address");
 }
 
 // --------------------------------------------------------------------------------------- trainers

@@ -6,80 +6,11 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
 namespace arena {
 namespace {
-
-std::string framed(const std::string& text) {
-  const auto prefix = framePrefix(text.size());
-  return std::string(prefix.begin(), prefix.end()) + text;
-}
-
-std::vector<std::string> drain(FrameSplitter& splitter) {
-  std::vector<std::string> frames;
-  std::string frame;
-  while (splitter.next(frame)) frames.push_back(frame);
-  return frames;
-}
-
-TEST(FramePrefixTest, IsBigEndian) {
-  EXPECT_EQ(framePrefix(0x01020304), (std::array<char, 4>{1, 2, 3, 4}));
-  EXPECT_EQ(framePrefix(5), (std::array<char, 4>{0, 0, 0, 5}));
-}
-
-TEST(FrameSplitterTest, CutsSeveralFramesOfOnePiece) {
-  FrameSplitter splitter(100);
-  EXPECT_TRUE(splitter.append(framed("(syn)") + framed("") + framed("(he1 1)")));
-  EXPECT_EQ(drain(splitter), (std::vector<std::string>{"(syn)", "", "(he1 1)"}));
-}
-
-TEST(FrameSplitterTest, JoinsPiecesOfAnySize) {
-  std::mt19937 engine(3);
-  std::string stream;
-  std::vector<std::string> sent;
-  for (int i = 0; i < 200; ++i) {
-    sent.emplace_back(engine() % 90, static_cast<char>('a' + i % 26));
-    stream += framed(sent.back());
-  }
-  FrameSplitter splitter(100);
-  std::vector<std::string> received;
-  for (std::size_t at = 0; at < stream.size();) {
-    const std::size_t count = std::min<std::size_t>(1 + engine() % 40, stream.size() - at);
-    ASSERT_TRUE(splitter.append(std::string_view(stream).substr(at, count)));
-    for (std::string& frame : drain(splitter)) received.push_back(std::move(frame));
-    at += count;
-  }
-  EXPECT_EQ(received, sent);
-}
-
-TEST(FrameSplitterTest, WaitsForTheRestOfAFrame) {
-  FrameSplitter splitter(100);
-  const std::string whole = framed("(syn)");
-  for (std::size_t i = 0; i + 1 < whole.size(); ++i) {
-    EXPECT_TRUE(splitter.append(whole.substr(i, 1)));
-    EXPECT_TRUE(drain(splitter).empty());
-  }
-  EXPECT_TRUE(splitter.append(whole.substr(whole.size() - 1)));
-  EXPECT_EQ(drain(splitter), std::vector<std::string>{"(syn)"});
-}
-
-TEST(FrameSplitterTest, RefusesALengthBeyondTheLimitAsSoonAsItIsRead) {
-  FrameSplitter splitter(100);
-  EXPECT_TRUE(splitter.append(framed(std::string(100, 'x'))));
-  EXPECT_EQ(drain(splitter).size(), 1u);
-  EXPECT_FALSE(splitter.append(framed(std::string(101, 'x')).substr(0, 4)));
-  EXPECT_TRUE(drain(splitter).empty());
-}
-
-TEST(FrameSplitterTest, FindsALengthBeyondTheLimitBehindGoodFrames) {
-  FrameSplitter splitter(100);
-  splitter.append(framed("(syn)") + std::string("\xff\xff\xff\xff", 4));
-  EXPECT_EQ(drain(splitter), std::vector<std::string>{"(syn)"});
-  EXPECT_FALSE(splitter.append({}));
-}
 
 // The league's server keeps the rest of a partly sent frame and drops what comes meanwhile.
 TEST(FramedConnectionTest, DropsWholeFramesWhileAPartOfOneIsUnsent) {
@@ -89,7 +20,7 @@ TEST(FramedConnectionTest, DropsWholeFramesWhileAPartOfOneIsUnsent) {
   Tcp::socket client(io);
   client.connect({boost::asio::ip::address_v4::loopback(), acceptor.local_endpoint().port()});
   const auto connection = std::make_shared<FramedConnection>(
-      acceptor.accept(), FramedConnection::Limits{.frame_length = 100, .queue = 1, .unsent = 0});
+      acceptor.accept(), FramedConnection::Limits{.frameLength = 100, .queue = 1, .unsent = 0});
   int accepted = 0;
   const auto send = [&] {
     const bool good = connection->send(std::string(50000, static_cast<char>('a' + accepted % 26)));

@@ -3,8 +3,10 @@
 #include <zlib.h>
 
 #include <unistd.h>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "Common/Random.h"
 #include "Recording/RecordingReader.h"
@@ -205,6 +207,50 @@ TEST_F(RecordingWriterTest, RecordingsCutOffEndWithTheLastWholeCycle) {
   while (reader.next(cycle)) {
   }
   EXPECT_FALSE(reader.complete());
+}
+
+TEST_F(RecordingWriterTest, FilesCutOffAnywhereAreReadAsFarAsTheyGo) {
+  Random random(5, "cut");
+  Scene scene;
+  scene.robots = {robot(1, Side::Left, 2, 4, random)};
+  {
+    RecordingWriter writer(path);
+    for (int i = 0; i < 400; ++i) {
+      scene.robots[0] = robot(1, Side::Left, 2, 4, random);
+      writer.write(scene, GameState(), {}, {});
+    }
+  }
+  const std::string file = readAll();
+  int before = 0;
+  for (std::size_t size = 40; size < file.size(); size += file.size() / 20) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << file.substr(0, size);
+    const int cycles = cyclesRead();
+    EXPECT_GE(cycles, before);
+    before = cycles;
+  }
+  EXPECT_GT(before, 300);
+  EXPECT_LE(before, 400);
+}
+
+TEST_F(RecordingWriterTest, TheFileHasItsBeginningAtOnce) {
+  RecordingWriter writer(path);
+  EXPECT_EQ(cyclesRead(), 0);
+}
+
+TEST_F(RecordingWriterTest, TheFileIsFreshWhileItIsWritten) {
+  Random random(4, "fresh");
+  Scene scene;
+  scene.robots = {robot(1, Side::Left, 2, 4, random)};
+  RecordingWriter writer(path);
+  for (int i = 0; i < 3; ++i) writer.write(scene, GameState(), {}, {});
+  writer.keepFresh();
+  std::this_thread::sleep_for(std::chrono::milliseconds(600));
+  writer.keepFresh();
+  EXPECT_EQ(cyclesRead(), 3);
+  for (int i = 0; i < 3; ++i) writer.write(scene, GameState(), {}, {});
+  std::this_thread::sleep_for(std::chrono::milliseconds(600));
+  writer.write(scene, GameState(), {}, {});
+  EXPECT_EQ(cyclesRead(), 7);
 }
 
 TEST_F(RecordingWriterTest, DamagedRecordingsAreRefusedOrReadWithoutHarm) {

@@ -563,8 +563,7 @@ TEST_F(RefereeTest, BallIsPlacedInTheCycleOfTheLeaguesServer) {
 // The league's server does not put the ball to a line, a corner or a goal area on the trainer's
 // word, but where it was when the mode was set.
 TEST_F(RefereeTest, SetPlaysOfTheTrainerAreTakenWhereTheBallIs) {
-  for (const PlayMode mode : {PlayMode::KickInLeft, PlayMode::CornerKickLeft,
-                              PlayMode::GoalKickLeft, PlayMode::FreeKickLeft}) {
+  for (const PlayMode mode : {PlayMode::KickInLeft, PlayMode::FreeKickLeft}) {
     start(PlayMode::OffsideLeft);
     world.setBallAt(2.4, -1.6);
     step();
@@ -573,6 +572,51 @@ TEST_F(RefereeTest, SetPlaysOfTheTrainerAreTakenWhereTheBallIs) {
     run(1.1);
     expectBall(2.4, -1.6);
   }
+}
+
+// Nor does it hold the ball there in a corner or goal kick: it puts it back when it is touched.
+TEST_F(RefereeTest, BallOfTheTrainersCornerIsPutBackWhenTouched) {
+  start(PlayMode::OffsideLeft);
+  world.setBallAt(2.4, -1.6);
+  step();
+  start(PlayMode::CornerKickLeft);
+  world.put(left2, 2.1, -1.6);
+  world.setBallAt(5, 5);
+  run(1.1);
+  expectBall(5, 5);
+  EXPECT_NEAR(world.place(left2).x(), 2.1, 1e-9);
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  expectBall(2.4, -1.6);
+  EXPECT_NEAR(world.place(left2).x(), 1.9, 1e-9);
+}
+
+TEST_F(RefereeTest, BallOfTheTrainersGoalKickIsPutBackOnce) {
+  start(PlayMode::OffsideLeft);
+  world.setBallAt(-14.2, 0.5);
+  step();
+  start(PlayMode::GoalKickLeft);
+  world.setBallAt(-13.6, 2);
+  run(1.1);
+  expectBall(-13.6, 2);
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::GoalKickLeft);
+  expectBall(-14.2, 0.5);
+  world.setBallAt(-13.7, 1);
+  touch(left2);
+  expectBall(-13.7, 1);
+}
+
+TEST_F(RefereeTest, TrainersGoalKickOutsideTheAreaEndsWithTheTouch) {
+  start(PlayMode::OffsideLeft);
+  world.setBallAt(0, 0);
+  step();
+  start(PlayMode::GoalKickLeft);
+  run(1.1);
+  world.setBallAt(-13.5, 0);
+  touch(left2);
+  EXPECT_EQ(mode(), PlayMode::PlayOn);
+  expectBall(0, 0);
 }
 
 TEST_F(RefereeTest, BallStaysPinnedUntilTheKickIsTaken) {
@@ -729,12 +773,24 @@ TEST_F(RefereeTest, DropBallKeepsItsPlaceWithinTheSideLines) {
   world.setBallAt(5, 11);
   world.ballView.velocity = {2, 0, 0};
   referee.dropBall();
-  expectBall(5, 10);
+  expectBall(5, 9.958);
+  world.setBallAt(5, -9.99);
+  referee.dropBall();
+  expectBall(5, -9.99);
   world.setBallAt(-13.5, -1);
   start(PlayMode::FreeKickLeft);
   referee.dropBall();
   expectBall(-13.2, -3);
   EXPECT_EQ(mode(), PlayMode::PlayOn);
+}
+
+TEST_F(RefereeTest, DroppedBallFallsFromItsHeight) {
+  start(PlayMode::PlayOn);
+  world.setBallAt(5, 1, 0.7);
+  world.ballView.velocity = {2, 0, 1};
+  referee.dropBall();
+  EXPECT_EQ(world.ballView.position.z(), 0.7);
+  EXPECT_TRUE(world.ballView.velocity.isZero());
 }
 
 TEST_F(RefereeTest, OffsideAndGameOverDoNothing) {

@@ -4,70 +4,75 @@
 // An arena in a thread of its own, and clients on real connections to it.
 
 #include <atomic>
-#include <boost/asio/buffer.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/read.hpp>
-#include <boost/asio/write.hpp>
-#include <cstdio>
 #include <mutex>
 #include <optional>
 #include <random>
+#include <string>
+#include <string_view>
 #include <thread>
+#include <vector>
+
+#include "FramedLink.h"
 #include "Net/ArenaServer.h"
 
 namespace arena {
 
-using Tcp = boost::asio::ip::tcp;
-
-// A blocking client of either port. A receive that gets nothing for ten seconds gives nullopt.
+// A client of either port. What it sends to nobody is lost; a receive that gets nothing for ten
+// seconds gives nullopt.
 class Client {
  public:
-  explicit Client(unsigned short port) : socket_(io_) {
-    socket_.connect({boost::asio::ip::make_address("127.0.0.1"), port});
-    socket_.set_option(Tcp::no_delay(true));
-    const timeval patience{10, 0};
-    setsockopt(socket_.native_handle(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
-  }
+  // `receiveBuffer`: bytes that the system keeps for it until it reads; 0: as many as usual.
+  explicit Client(unsigned short port, int receiveBuffer = 0)
+      : link_("127.0.0.1", port, receiveBuffer) {}
 
-  void sendRaw(std::string_view bytes) {
-    boost::system::error_code ignored;
-    boost::asio::write(socket_, boost::asio::buffer(bytes), ignored);
+  // Returns whether it could be sent.
+  bool sendRaw(std::string_view bytes) {
+    try {
+      link_.sendRaw(bytes);
+      return true;
+    } catch (const LinkError&) {
+      return false;
+    }
   }
-  void send(std::string_view text) {
-    const auto prefix = framePrefix(text.size());
-    std::string bytes(prefix.begin(), prefix.end());
-    bytes += text;
-    sendRaw(bytes);
-  }
+  bool send(std::string_view text) { return sendRaw(framed(text)); }
   std::optional<std::string> receive() {
-    unsigned char prefix[4];
-    if (!read(prefix, 4)) return std::nullopt;
-    std::string text(std::size_t{prefix[0]} << 24 | prefix[1] << 16 | prefix[2] << 8 | prefix[3],
-                     '\0');
-    if (!read(text.data(), text.size())) return std::nullopt;
-    return text;
+    try {
+      return link_.receive();
+    } catch (const LinkError&) {
+      return std::nullopt;
+    }
   }
-  void close() { socket_.close(); }
+  bool hasData() const { return link_.hasData(); }
+  void close() { link_.close(); }
   // Closes so that the other side sees an error instead of an end.
-  void reset() {
-    socket_.set_option(boost::asio::socket_base::linger(true, 0));
-    socket_.close();
+  void reset() { link_.reset(); }
+  // From any thread: whoever waits in a call goes on.
+  void shutDown() { link_.shutDown(); }
+
+ private:
+  FramedLink link_;
+};
+
+// Sends the same frame for as long as it lives, as fast as the other side takes it, in a thread of
+// its own.
+class Flood {
+ public:
+  Flood(unsigned short port, std::string_view text) : client_(port) {
+    std::string many;
+    for (int i = 0; i < 1000; ++i) many += framed(text);
+    thread_ = std::thread([this, many] {
+      while (client_.sendRaw(many)) {
+      }
+    });
+  }
+  ~Flood() {
+    client_.shutDown();
+    thread_.join();
   }
 
  private:
-  bool read(void* to, std::size_t count) {
-    auto* at = static_cast<char*>(to);
-    while (count > 0) {
-      const ssize_t got = recv(socket_.native_handle(), at, count, 0);
-      if (got <= 0) return false;
-      at += got;
-      count -= static_cast<std::size_t>(got);
-    }
-    return true;
-  }
-
-  boost::asio::io_context io_;
-  Tcp::socket socket_;
+  Client client_;
+  std::thread thread_;
 };
 
 // A player: connected, with its scene and init sent as a player does.

@@ -146,7 +146,7 @@ void partialNode(Item item, Node& node, int& transforms) {
 
 void ViewerReader::read(std::string_view message) {
   SExpression expression;
-  demand(expression.read(message) == SExpression::Status::kComplete, "the message is not complete");
+  demand(expression.read(message) == SExpression::Status::Complete, "the message is not complete");
   demand(expression.size() == 3, "a message has three lists");
   demand(message.find(")(") != std::string_view::npos, "lists follow each other without blanks");
   auto list = expression.begin();

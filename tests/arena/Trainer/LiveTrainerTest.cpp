@@ -1,14 +1,13 @@
 // Trainer commands and monitor stream through sockets, on a running arena.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <atomic>
-#include <boost/asio.hpp>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "FramedLink.h"
 #include "Match/Match.h"
 #include "Net/ArenaServer.h"
 #include "arena/Support/ViewerReader.h"
@@ -16,39 +15,11 @@
 namespace arena {
 namespace {
 
-namespace asio = boost::asio;
-using asio::ip::tcp;
-
-// One connection that sends and receives frames.
-class Client {
+// A client whose frames must come.
+class Link : public FramedLink {
  public:
-  // `buffer`: bytes that the system keeps for it until it reads; 0: as many as usual.
-  Client(asio::io_context& io, unsigned short port, int buffer = 0) : socket_(io, tcp::v4()) {
-    if (buffer > 0) socket_.set_option(asio::socket_base::receive_buffer_size(buffer));
-    socket_.connect({asio::ip::make_address("127.0.0.1"), port});
-    socket_.set_option(tcp::no_delay(true));
-  }
-  void send(const std::string& text) {
-    const auto size = static_cast<std::uint32_t>(text.size());
-    const std::array<unsigned char, 4> head = {
-        static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
-        static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
-    asio::write(socket_, std::array<asio::const_buffer, 2>{asio::buffer(head), asio::buffer(text)});
-  }
-  // Waits for the next frame.
-  std::string receive() {
-    std::array<unsigned char, 4> head;
-    asio::read(socket_, asio::buffer(head));
-    const std::size_t size = (std::size_t{head[0]} << 24) | (std::size_t{head[1]} << 16) |
-                             (std::size_t{head[2]} << 8) | head[3];
-    std::string text(size, '\0');
-    asio::read(socket_, asio::buffer(text));
-    return text;
-  }
-  bool hasData() { return socket_.available() >= 4; }
-
- private:
-  tcp::socket socket_;
+  explicit Link(unsigned short port, int receiveBuffer = 0)
+      : FramedLink("127.0.0.1", port, receiveBuffer) {}
 };
 
 class LiveTrainerTest : public testing::Test {
@@ -75,9 +46,9 @@ class LiveTrainerTest : public testing::Test {
   }
 
   // A player that has been accepted.
-  Client& addPlayer(const std::string& team, int number) {
-    auto client = std::make_unique<Client>(io, server.agentPort());
-    Client& agent = *client;
+  Link& addPlayer(const std::string& team, int number) {
+    auto client = std::make_unique<Link>(server.agentPort());
+    Link& agent = *client;
     agent.send("(scene rsg/agent/nao/nao_hetero.rsg 0)");
     // The others must go on answering, or the match stands until they are given up.
     while (!agent.hasData()) {
@@ -113,7 +84,7 @@ class LiveTrainerTest : public testing::Test {
   }
   // Goes on until the viewer's picture after one of the messages fulfils the condition.
   template <class Condition>
-  bool shows(Client& monitor, Condition condition, int limit = kPatience) {
+  bool shows(Link& monitor, Condition condition, int limit = kPatience) {
     for (int i = 0; i < limit; ++i) {
       cycles(1);
       while (monitor.hasData()) {
@@ -128,19 +99,18 @@ class LiveTrainerTest : public testing::Test {
   // commands are still under way, many cycles in a millisecond.
   static constexpr int kPatience = 5000;
 
-  asio::io_context io;
   Match match;
   ArenaServer server;
   std::atomic<bool> done = false;  // the server's run has ended
   std::thread thread;
-  std::vector<std::unique_ptr<Client>> agents;
+  std::vector<std::unique_ptr<Link>> agents;
   std::string heard;  // the last percept received
   ViewerReader viewer;
 };
 
 TEST_F(LiveTrainerTest, CommandsChangeTheGame) {
   addPlayer("Alpha", 3);
-  Client trainer(io, server.monitorPort());
+  Link trainer(server.monitorPort());
   trainer.send("(init)");
   trainer.send("(kickOff Left)");
   EXPECT_TRUE(hears("(pm KickOff_Left)"));
@@ -153,7 +123,7 @@ TEST_F(LiveTrainerTest, CommandsChangeTheGame) {
 
 TEST_F(LiveTrainerTest, ViewerGetsAFullMessageAtOnceAndThenFollows) {
   addPlayer("Alpha", 3);
-  Client monitor(io, server.monitorPort());
+  Link monitor(server.monitorPort());
   viewer.read(monitor.receive());
   EXPECT_TRUE(viewer.lastWasFull());
   EXPECT_EQ(viewer.term("team_left"), "Alpha");
@@ -173,7 +143,7 @@ TEST_F(LiveTrainerTest, ViewerGetsAFullMessageAtOnceAndThenFollows) {
 
 TEST_F(LiveTrainerTest, MessagesComeEveryFourHundredthsOfASecond) {
   addPlayer("Alpha", 3);
-  Client monitor(io, server.monitorPort());
+  Link monitor(server.monitorPort());
   monitor.send("(playMode PlayOn)");
   ASSERT_TRUE(shows(monitor, [&] { return viewer.playMode() == "PlayOn"; }));
   double last = viewer.number("time");
@@ -187,7 +157,7 @@ TEST_F(LiveTrainerTest, MessagesComeEveryFourHundredthsOfASecond) {
 
 TEST_F(LiveTrainerTest, PlayersComeAndGoOnTheViewersPitch) {
   addPlayer("Alpha", 3);
-  Client monitor(io, server.monitorPort());
+  Link monitor(server.monitorPort());
   addPlayer("Beta", 7);
   EXPECT_TRUE(shows(monitor, [&] { return viewer.robot(false, 7).has_value(); }));
   EXPECT_EQ(viewer.term("team_right"), "Beta");
@@ -198,7 +168,7 @@ TEST_F(LiveTrainerTest, PlayersComeAndGoOnTheViewersPitch) {
 
 TEST_F(LiveTrainerTest, FullStateIsSentOnRequest) {
   addPlayer("Alpha", 3);
-  Client monitor(io, server.monitorPort());
+  Link monitor(server.monitorPort());
   ASSERT_TRUE(shows(monitor, [&] { return !viewer.lastWasFull(); }));
   monitor.send("(reqfullstate)");
   EXPECT_TRUE(shows(monitor, [&] { return viewer.lastWasFull(); }));
@@ -207,8 +177,8 @@ TEST_F(LiveTrainerTest, FullStateIsSentOnRequest) {
 // The newest moment and picture count, whatever a viewer has missed.
 TEST_F(LiveTrainerTest, AViewerWhoDoesNotReadForAWhileIsRightAfterwards) {
   for (const int number : {2, 3, 4, 5}) addPlayer("Alpha", number);
-  Client trainer(io, server.monitorPort());
-  Client lazy(io, server.monitorPort(), 4096);
+  Link trainer(server.monitorPort());
+  Link lazy(server.monitorPort(), 4096);
   trainer.send("(playMode PlayOn)(score (left 0)(right 1))");
   ASSERT_TRUE(hears("(sr 1)"));
   // Full messages fill what lies between it and the server.
@@ -236,7 +206,7 @@ TEST_F(LiveTrainerTest, AViewerWhoDoesNotReadForAWhileIsRightAfterwards) {
   EXPECT_NEAR(viewer.ball()->pose(0, 3), 3, 0.006);
   EXPECT_NEAR(viewer.ball()->pose(1, 3), -4, 0.006);
   ViewerReader prompt;
-  Client fresh(io, server.monitorPort());
+  Link fresh(server.monitorPort());
   prompt.read(fresh.receive());
   for (const int number : {2, 4, 5}) {
     EXPECT_LT(
@@ -249,12 +219,12 @@ TEST_F(LiveTrainerTest, AViewerWhoDoesNotReadForAWhileIsRightAfterwards) {
 // Each of the two has its own past, so what is news for the one is none for the other.
 TEST_F(LiveTrainerTest, AViewerWhoConnectsInMidMatchIsSentWhatIsNewForHim) {
   addPlayer("Alpha", 3);
-  Client early(io, server.monitorPort());
+  Link early(server.monitorPort());
   early.send("(playMode PlayOn)(ball (pos -9 5 0.042)(vel 0.3 0.2 0))");
   ASSERT_TRUE(shows(early, [&] { return viewer.playMode() == "PlayOn"; }));
   for (int i = 0; i < 8; ++i) {
     cycles(7);
-    Client late(io, server.monitorPort());
+    Link late(server.monitorPort());
     ViewerReader lateViewer;
     lateViewer.read(late.receive());
     EXPECT_TRUE(lateViewer.lastWasFull());
@@ -270,7 +240,7 @@ TEST_F(LiveTrainerTest, AViewerWhoConnectsInMidMatchIsSentWhatIsNewForHim) {
 
 TEST_F(LiveTrainerTest, FoulsReachTheViewer) {
   for (const int number : {2, 3, 4, 5}) addPlayer("Alpha", number);
-  Client monitor(io, server.monitorPort());
+  Link monitor(server.monitorPort());
   monitor.send("(playMode PlayOn)");
   std::string places;
   for (int i = 0; i < 4; ++i) {
@@ -288,7 +258,7 @@ TEST_F(LiveTrainerTest, FoulsReachTheViewer) {
 
 TEST_F(LiveTrainerTest, GoalReachesTheViewer) {
   addPlayer("Alpha", 3);
-  Client monitor(io, server.monitorPort());
+  Link monitor(server.monitorPort());
   monitor.send("(playMode PlayOn)(ball (pos 13 0 0.2)(vel 8 0 0))");
   EXPECT_TRUE(shows(monitor, [&] { return viewer.term("score_left") == "1"; }));
   EXPECT_EQ(viewer.playMode(), "Goal_Left");
@@ -297,7 +267,7 @@ TEST_F(LiveTrainerTest, GoalReachesTheViewer) {
 
 TEST_F(LiveTrainerTest, GarbageFromAMonitorDoesNoHarm) {
   addPlayer("Alpha", 3);
-  Client trainer(io, server.monitorPort());
+  Link trainer(server.monitorPort());
   trainer.send(std::string("((((\0)))\x7f", 9));
   trainer.send(std::string(10000, '('));
   trainer.send("(ball (pos nan inf 1e999))(agent (unum 99)(team Left)(pos 0 0 0))");
@@ -308,7 +278,7 @@ TEST_F(LiveTrainerTest, GarbageFromAMonitorDoesNoHarm) {
 
 TEST_F(LiveTrainerTest, KillsimEndsTheServer) {
   addPlayer("Alpha", 3);
-  Client trainer(io, server.monitorPort());
+  Link trainer(server.monitorPort());
   trainer.send("(killsim)");
   while (!done) {
     if (agents[0]->hasData()) cycles(1);

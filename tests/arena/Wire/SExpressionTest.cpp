@@ -24,7 +24,7 @@ std::string shown(const SExpression& expression) {
   return text;
 }
 
-std::string readAndShow(std::string_view frame, Status expected = Status::kComplete) {
+std::string readAndShow(std::string_view frame, Status expected = Status::Complete) {
   SExpression expression;
   EXPECT_EQ(expression.read(frame), expected) << frame;
   return shown(expression);
@@ -58,7 +58,7 @@ TEST(SExpressionTest, AtomsTakeTheLegalCharactersAndNoOthers) {
   for (int c = 128; c < 256; ++c) legal += static_cast<char>(c);
   EXPECT_EQ(readAndShow("(" + legal + ")"), "(<" + legal + ">)");
   for (const char illegal : {'\x01', '\x0b', '\x7f', '\0'}) {
-    EXPECT_EQ(readAndShow(std::string("(a)(b ") + illegal + " c)(d)", Status::kIllegalByte),
+    EXPECT_EQ(readAndShow(std::string("(a)(b ") + illegal + " c)(d)", Status::IllegalByte),
               "(<a>)");
   }
 }
@@ -81,12 +81,12 @@ TEST(SExpressionTest, BackslashEscapesBracketsAndQuotesOnly) {
   EXPECT_EQ(readAndShow(R"((say "a\"b"))"), "(<say><a\"b>)");
   EXPECT_EQ(readAndShow(R"((say a\nb\\c))"), R"((<say><a\nb\\c>))");
   EXPECT_EQ(readAndShow(R"((a \(x \)y z))"), "(<a><(x><)y><z>)");
-  EXPECT_EQ(readAndShow("(a b\\", Status::kUnfinished), "");
+  EXPECT_EQ(readAndShow("(a b\\", Status::Unfinished), "");
 }
 
 TEST(SExpressionTest, KeepsFinishedListsWhenTheFrameBreaksOff) {
-  EXPECT_EQ(readAndShow("(a 1)(b (c 2)", Status::kUnfinished), "(<a><1>)");
-  EXPECT_EQ(readAndShow("(a 1)(say \"b)", Status::kUnfinished), "(<a><1>)");
+  EXPECT_EQ(readAndShow("(a 1)(b (c 2)", Status::Unfinished), "(<a><1>)");
+  EXPECT_EQ(readAndShow("(a 1)(say \"b)", Status::Unfinished), "(<a><1>)");
 }
 
 TEST(SExpressionTest, BoundsTheDepth) {
@@ -95,16 +95,16 @@ TEST(SExpressionTest, BoundsTheDepth) {
            std::string(static_cast<std::size_t>(depth), ')');
   };
   SExpression expression;
-  EXPECT_EQ(expression.read("(a)" + nested(SExpression::kMaxDepth)), Status::kComplete);
+  EXPECT_EQ(expression.read("(a)" + nested(SExpression::kMaxDepth)), Status::Complete);
   EXPECT_EQ(expression.size(), 2u);
-  EXPECT_EQ(expression.read("(a)" + nested(SExpression::kMaxDepth + 1)), Status::kTooDeep);
+  EXPECT_EQ(expression.read("(a)" + nested(SExpression::kMaxDepth + 1)), Status::TooDeep);
   EXPECT_EQ(expression.size(), 1u);
 }
 
 TEST(SExpressionTest, BoundsTheNumberOfItems) {
   std::string frame = "(first)(";
   for (std::size_t i = 0; i < SExpression::kMaxNodes; ++i) frame += "a ";
-  EXPECT_EQ(readAndShow(frame + ")", Status::kTooLarge), "(<first>)");
+  EXPECT_EQ(readAndShow(frame + ")", Status::TooLarge), "(<first>)");
 }
 
 TEST(SExpressionTest, NumbersFollowTheRulesOfAtof) {

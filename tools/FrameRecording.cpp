@@ -1,4 +1,4 @@
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 
 #include <zlib.h>
 
@@ -10,21 +10,13 @@
 #include <cstring>
 #include <sstream>
 
-namespace {
+#include "FramedLink.h"
 
-constexpr std::size_t kPrefix = 4;
+namespace {
 
 // The uncompressed size up to which a file is read, so that a tiny compressed one can't eat the
 // memory: hours of play stay far below.
 constexpr std::size_t kLargestFile = std::size_t{1} << 30;
-
-std::uint32_t bigEndian(const char* bytes) {
-  std::uint32_t value = 0;
-  for (std::size_t i = 0; i < kPrefix; ++i) {
-    value = value << 8 | static_cast<unsigned char>(bytes[i]);
-  }
-  return value;
-}
 
 bool readRobot(std::istringstream& in, TrueRobot& robot) {
   std::string name;
@@ -94,13 +86,13 @@ std::vector<std::string> parseRecording(std::string_view bytes, const std::strin
   std::vector<std::string> frames;
   while (!bytes.empty()) {
     const std::string place = name + ": frame " + std::to_string(frames.size() + 1);
-    if (bytes.size() < kPrefix) throw RecordingError(place + " is cut off in its length");
-    const std::uint32_t length = bigEndian(bytes.data());
+    if (bytes.size() < kFrameHead) throw RecordingError(place + " is cut off in its length");
+    const std::uint32_t length = frameLength(bytes);
     if (length > kLongestFrame) {
       throw RecordingError(place + " is said to be " + std::to_string(length) +
                            " bytes long, more than the link takes; is this a recording?");
     }
-    bytes.remove_prefix(kPrefix);
+    bytes.remove_prefix(kFrameHead);
     if (bytes.size() < length) {
       throw RecordingError(place + " is cut off: " + std::to_string(bytes.size()) + " of " +
                            std::to_string(length) + " bytes");

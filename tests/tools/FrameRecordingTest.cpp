@@ -1,4 +1,4 @@
-#include "RecordingReader.h"
+#include "FrameRecording.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "FramedLink.h"
 #include "support/TempDirectory.h"
 
 namespace {
@@ -14,15 +15,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-std::string framed(const std::string& text) {
-  const auto length = static_cast<unsigned>(text.size());
-  std::string bytes;
-  for (const unsigned shift : {24U, 16U, 8U, 0U}) {
-    bytes += static_cast<char>((length >> shift) & 0xffU);
-  }
-  return bytes + text;
-}
 
 std::string compressed(const std::string& text, const support::TempDirectory& directory) {
   const std::string path = (directory.path() / "packed.gz").string();
@@ -43,14 +35,14 @@ std::string errorOf(Call call) {
   return "no error";
 }
 
-TEST(RecordingReaderTest, ReadsFramesOfAnyLength) {
+TEST(FrameRecordingTest, ReadsFramesOfAnyLength) {
   const std::string longest(kLongestFrame, 'x');
   EXPECT_THAT(parseRecording(framed("(a)") + framed("") + framed(longest) + framed("b"), "it"),
               ElementsAre("(a)", "", longest, "b"));
   EXPECT_THAT(parseRecording("", "it"), IsEmpty());
 }
 
-TEST(RecordingReaderTest, ReadsPlainAndCompressedFilesAlike) {
+TEST(FrameRecordingTest, ReadsPlainAndCompressedFilesAlike) {
   const support::TempDirectory directory;
   const std::string bytes = framed("(time (now 1.00))") + framed(std::string("a\0b", 3));
   const std::string plain = directory.write("plain", bytes).string();
@@ -58,7 +50,7 @@ TEST(RecordingReaderTest, ReadsPlainAndCompressedFilesAlike) {
   EXPECT_EQ(readRecording(compressed(bytes, directory)), readRecording(plain));
 }
 
-TEST(RecordingReaderTest, RefusesWhatIsNoRecording) {
+TEST(FrameRecordingTest, RefusesWhatIsNoRecording) {
   EXPECT_THAT(errorOf([] { parseRecording("(time (now 1.0))", "it"); }),
               HasSubstr("it: frame 1 is said to be 678717805 bytes long"));
   EXPECT_THAT(errorOf([] { parseRecording(framed("a") + std::string(2, '\0'), "it"); }),
@@ -69,7 +61,7 @@ TEST(RecordingReaderTest, RefusesWhatIsNoRecording) {
               HasSubstr("16381 bytes long"));
 }
 
-TEST(RecordingReaderTest, NamesFilesThatCannotBeRead) {
+TEST(FrameRecordingTest, NamesFilesThatCannotBeRead) {
   const support::TempDirectory directory;
   const std::string absent = (directory.path() / "absent").string();
   EXPECT_THAT(errorOf([&] { readRecording(absent); }),
@@ -77,7 +69,7 @@ TEST(RecordingReaderTest, NamesFilesThatCannotBeRead) {
   EXPECT_THAT(errorOf([&] { readRecording(directory.path().string()); }), HasSubstr("can't read"));
 }
 
-TEST(RecordingReaderTest, NoticesDamageInCompressedFiles) {
+TEST(FrameRecordingTest, NoticesDamageInCompressedFiles) {
   const support::TempDirectory directory;
   std::string bytes;
   for (int i = 0; i < 2000; ++i) bytes += framed("(time (now " + std::to_string(i * 7919) + "))");
@@ -91,7 +83,7 @@ TEST(RecordingReaderTest, NoticesDamageInCompressedFiles) {
   EXPECT_THAT(errorOf([&] { readFile(broken); }), HasSubstr("can't read " + broken));
 }
 
-TEST(RecordingReaderTest, ReadsLinesOfTruth) {
+TEST(FrameRecordingTest, ReadsLinesOfTruth) {
   const std::vector<TruthLine> lines = parseTruth(
       "# index time mode score ball | robots\n"
       "\n"
@@ -121,7 +113,7 @@ TEST(RecordingReaderTest, ReadsLinesOfTruth) {
   EXPECT_NE(line.find('L', 8), nullptr);
 }
 
-TEST(RecordingReaderTest, NamesTheLineThatIsNoTruth) {
+TEST(FrameRecordingTest, NamesTheLineThatIsNoTruth) {
   for (const char* line :
        {"hello", "1 2.0 PlayOn 0:0 1 2", "1 x PlayOn 0:0 1 2 3", "1 2.0 PlayOn 0:0 1 2 3 L8",
         "1 2.0 PlayOn 0:0 1 2 3 | L8 1 2", "1 2.0 PlayOn 0:0 1 2 3 | X8 1 2 3 4 5",
@@ -132,7 +124,7 @@ TEST(RecordingReaderTest, NamesTheLineThatIsNoTruth) {
   }
 }
 
-TEST(RecordingReaderTest, TheShippedRecordingsAreWhole) {
+TEST(FrameRecordingTest, TheShippedRecordingsAreWhole) {
   const std::string data = std::string(QUOLNARIS_SOURCE_DIR) + "/tests/data/recordings/";
   EXPECT_EQ(readRecording(data + "match-a-left-10.frames.gz").size(), 3783u);
   EXPECT_EQ(readRecording(data + "match-b-right-10.frames.gz").size(), 2564u);

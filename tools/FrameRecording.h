@@ -1,5 +1,5 @@
-#ifndef QUOLNARIS_TOOLS_RECORDINGREADER_H_
-#define QUOLNARIS_TOOLS_RECORDINGREADER_H_
+#ifndef QUOLNARIS_TOOLS_FRAMERECORDING_H_
+#define QUOLNARIS_TOOLS_FRAMERECORDING_H_
 
 #include <stdexcept>
 #include <string>
@@ -9,9 +9,8 @@
 // Reads recordings of what the server sent to a player, and the ground truth recorded beside them.
 // Knows nothing of the player. Every file may be plain or compressed by gzip.
 //
-// A recording (*.frames) is the stream as it came over the wire: for each frame a 4-byte big-endian
-// length and that many bytes of text. A truth file (*.truth) is text with a line for each cycle of
-// the server; see readTruth.
+// A recording (*.frames) is the stream as it came over the wire, frame by frame (FramedLink.h). A
+// truth file (*.truth) is text with a line for each cycle of the server; see readTruth.
 
 // A file that can't be read or is not what it should be; the text names the file and the place.
 class RecordingError : public std::runtime_error {
@@ -57,4 +56,4 @@ std::vector<std::string> parseRecording(std::string_view bytes, const std::strin
 std::vector<TruthLine> readTruth(const std::string& path);
 std::vector<TruthLine> parseTruth(std::string_view text, const std::string& name);
 
-#endif  // QUOLNARIS_TOOLS_RECORDINGREADER_H_
+#endif  // QUOLNARIS_TOOLS_FRAMERECORDING_H_

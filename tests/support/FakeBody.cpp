@@ -1,4 +1,4 @@
-#include "support/TestBody.h"
+#include "support/FakeBody.h"
 
 #include "AdvancedAction/Decide.h"
 #include "AdvancedAction/GoToBall.h"
@@ -16,9 +16,9 @@
 #include "Utilities/Config.h"
 #include "Utilities/Logger.h"
 
-namespace {
+namespace support {
 
-constexpr float kCycle = 0.02f;
+namespace {
 
 // No command of an action has this value.
 constexpr float kMark = 1e6f;
@@ -95,25 +95,25 @@ constexpr Entry kConfiguration[] = {
     {"TAB", "TAB", "RotZ", "-1 -9 -8 -6"},
 };
 
-std::vector<TestBody::Hinge> allHinges() {
-  using Limb = TestBody::Limb;
-  std::vector<TestBody::Hinge> all;
-  for (int joint = 1; joint <= 2; ++joint) all.push_back({Limb::kHead, false, joint});
+std::vector<FakeBody::Hinge> allHinges() {
+  using Limb = FakeBody::Limb;
+  std::vector<FakeBody::Hinge> all;
+  for (int joint = 1; joint <= kHeadJoints; ++joint) all.push_back({Limb::kHead, false, joint});
   for (bool side : {false, true}) {
-    for (int joint = 1; joint <= 4; ++joint) all.push_back({Limb::kHand, side, joint});
-    for (int joint = 1; joint <= 7; ++joint) all.push_back({Limb::kLeg, side, joint});
+    for (int joint = 1; joint <= kHandJoints; ++joint) all.push_back({Limb::kHand, side, joint});
+    for (int joint = 1; joint <= kLegJoints; ++joint) all.push_back({Limb::kLeg, side, joint});
   }
   return all;
 }
 
 WorldModel* makeWorld() {
-  for (const Entry& e : kConfiguration) TestBody::configure(e.file, e.group, e.key, e.text);
+  for (const Entry& e : kConfiguration) FakeBody::configure(e.file, e.group, e.key, e.text);
   return new WorldModel;
 }
 
 }  // namespace
 
-TestBody::TestBody() : world(makeWorld()), states(hinges().size()) {
+FakeBody::FakeBody() : world(makeWorld()), states(hinges().size()) {
   agent.WM = world;
   agent.bControl.setWorldModel(world);
   for (const Hinge& hinge : hinges()) {
@@ -139,7 +139,7 @@ TestBody::TestBody() : world(makeWorld()), states(hinges().size()) {
   Logger::logStreams->add("Agent", new LogStream(&log, nullptr));
 }
 
-TestBody::~TestBody() {
+FakeBody::~FakeBody() {
   Logger::logStreams->add("Agent", new LogNull);
   BasicAction::agent = nullptr;
   Actions::agent = nullptr;
@@ -156,18 +156,18 @@ TestBody::~TestBody() {
   delete agent.command;
 }
 
-const std::vector<TestBody::Hinge>& TestBody::hinges() {
+const std::vector<FakeBody::Hinge>& FakeBody::hinges() {
   static const std::vector<Hinge> all = allHinges();
   return all;
 }
 
-std::string TestBody::name(const Hinge& hinge) {
+std::string FakeBody::name(const Hinge& hinge) {
   const std::string joint = std::to_string(hinge.joint);
   if (hinge.limb == Limb::kHead) return "he" + joint;
   return (hinge.side ? "r" : "l") + std::string(hinge.limb == Limb::kHand ? "ae" : "le") + joint;
 }
 
-JointController& TestBody::controller(const Hinge& hinge) {
+JointController& FakeBody::controller(const Hinge& hinge) {
   switch (hinge.limb) {
     case Limb::kHead:
       return agent.bControl.headController[hinge.joint - 1];
@@ -178,22 +178,22 @@ JointController& TestBody::controller(const Hinge& hinge) {
   }
 }
 
-std::size_t TestBody::index(const Hinge& hinge) {
+std::size_t FakeBody::index(const Hinge& hinge) {
   constexpr std::size_t kHeads = 2, kHands = 4, kPerSide = 11;
   const std::size_t joint = static_cast<std::size_t>(hinge.joint - 1);
   if (hinge.limb == Limb::kHead) return joint;
   return kHeads + (hinge.side ? kPerSide : 0) + (hinge.limb == Limb::kLeg ? kHands : 0) + joint;
 }
 
-float TestBody::angle(const Hinge& hinge) const {
+float FakeBody::angle(const Hinge& hinge) const {
   return states[index(hinge)].angle;
 }
 
-void TestBody::sense(const Hinge& hinge) {
+void FakeBody::sense(const Hinge& hinge) {
   controller(hinge).joint->setAngle(states[index(hinge)].angle);
 }
 
-void TestBody::place(const Hinge& hinge, float degrees) {
+void FakeBody::place(const Hinge& hinge, float degrees) {
   states[index(hinge)].angle = degrees;
   states[index(hinge)].underWay = 0;
   sense(hinge);
@@ -204,19 +204,19 @@ void TestBody::place(const Hinge& hinge, float degrees) {
   c.count = 0;
 }
 
-void TestBody::placeAll(float degrees) {
+void FakeBody::placeAll(float degrees) {
   for (const Hinge& hinge : hinges()) place(hinge, degrees);
 }
 
-void TestBody::setResponse(float fraction) {
+void FakeBody::setResponse(float fraction) {
   for (const Hinge& hinge : hinges()) setResponse(hinge, fraction);
 }
 
-void TestBody::setResponse(const Hinge& hinge, float fraction) {
+void FakeBody::setResponse(const Hinge& hinge, float fraction) {
   states[index(hinge)].response = fraction;
 }
 
-void TestBody::nextCycle() {
+void FakeBody::nextCycle() {
   for (const Hinge& hinge : hinges()) {
     State& state = states[index(hinge)];
     state.angle += state.underWay * state.response;
@@ -229,30 +229,32 @@ void TestBody::nextCycle() {
   world->gameTime += kCycle;
 }
 
-void TestBody::markCommands() {
+void FakeBody::markCommands() {
   for (const Hinge& hinge : hinges()) controller(hinge).Angle = kMark;
 }
 
-bool TestBody::commanded(const Hinge& hinge) {
+bool FakeBody::commanded(const Hinge& hinge) {
   return controller(hinge).Angle != kMark;
 }
 
-void TestBody::stand(Vector position, double heading) {
+void FakeBody::stand(Vector position, double heading) {
   world->mySelf->setGlobalPosition(position);
   Matrix<4, 4> rotation;
   rotation.rotationByZ(heading);
   world->mySelf->setGyroRotation(rotation);
 }
 
-std::string TestBody::takeLog() {
+std::string FakeBody::takeLog() {
   std::string text = log.str();
   log.str("");
   return text;
 }
 
-void TestBody::configure(const std::string& file, const std::string& group, const std::string& key,
+void FakeBody::configure(const std::string& file, const std::string& group, const std::string& key,
                          const std::string& text) {
   config.add(file);
   config[file].addGroup(group);
   config[file][group].add(key, text);
 }
+
+}  // namespace support

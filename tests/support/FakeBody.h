@@ -1,5 +1,5 @@
-#ifndef QUOLNARIS_TESTS_SUPPORT_TESTBODY_H_
-#define QUOLNARIS_TESTS_SUPPORT_TESTBODY_H_
+#ifndef QUOLNARIS_TESTS_SUPPORT_FAKEBODY_H_
+#define QUOLNARIS_TESTS_SUPPORT_FAKEBODY_H_
 
 #include <sstream>
 #include <string>
@@ -10,6 +10,8 @@
 #include "Mathematics/Vector.h"
 #include "WorldModel/WorldModel.h"
 
+namespace support {
+
 // A deterministic robot without a server: the player's own Agent and WorldModel, the whole
 // configuration with values of its own, and 24 hinges that answer to what the actions command.
 //
@@ -17,9 +19,9 @@
 // later. How much of it is carried out is up to the test: all (the hinge obeys), a part (it lags)
 // or nothing (it is stuck).
 //
-// The static agent pointers and the static state of the actions start afresh with each TestBody.
-// REQUIRES: at most one TestBody at a time.
-class TestBody {
+// The static agent pointers and the static state of the actions start afresh with each FakeBody.
+// REQUIRES: at most one FakeBody at a time.
+class FakeBody {
  public:
   enum class Limb { kHead, kHand, kLeg };
 
@@ -32,10 +34,10 @@ class TestBody {
     bool operator==(const Hinge&) const = default;
   };
 
-  TestBody();
-  ~TestBody();
-  TestBody(const TestBody&) = delete;
-  TestBody& operator=(const TestBody&) = delete;
+  FakeBody();
+  ~FakeBody();
+  FakeBody(const FakeBody&) = delete;
+  FakeBody& operator=(const FakeBody&) = delete;
 
   // All hinges, the seventh slot of each leg included.
   static const std::vector<Hinge>& hinges();
@@ -97,4 +99,6 @@ class TestBody {
   std::ostringstream log;
 };
 
-#endif  // QUOLNARIS_TESTS_SUPPORT_TESTBODY_H_
+}  // namespace support
+
+#endif  // QUOLNARIS_TESTS_SUPPORT_FAKEBODY_H_

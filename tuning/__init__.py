@@ -1,0 +1,1 @@
+"""Finds configuration values by letting the real player play."""

@@ -1,0 +1,161 @@
+"""Runs of the real player."""
+
+import os
+import signal
+import subprocess
+import sys
+import threading
+import time
+from collections.abc import Iterator
+from contextlib import contextmanager
+from pathlib import Path
+
+import pytest
+
+from tuning import paths
+from tuning.configs import Configs
+from tuning.evaluation import Run, evaluate
+from tuning.scenarios import KINDS, read_scenario
+from tuning.stage import RunFailed, Stage
+
+
+def first_run(base: Configs, kind: str, seed: int = 3, **options) -> Run:
+    scenario = read_scenario(kind, {"kind": kind, **options})
+    run = scenario.runs(base, seed)[0]
+    return Run(run.kind, run.options, seed, base, base if KINDS[kind].has_rivals else None)
+
+
+@contextmanager
+def busy_machine() -> Iterator[None]:
+    """Twice as much to do as there are cores."""
+    command = [sys.executable, "-c", "while True: pass"]
+    idlers = [subprocess.Popen(command) for _ in range(2 * (os.cpu_count() or 1))]
+    try:
+        yield
+    finally:
+        for idler in idlers:
+            idler.kill()
+            idler.wait()
+
+
+SHORT = [
+    ("kick-off", {"duration": 5}),
+    ("striker", {"duration": 8, "placed": True}),
+    ("still", {"duration": 4, "players": [9, 10], "rivals": 2}),
+    ("match", {"duration": 4, "players": [9, 11], "rivals": [10, 11]}),
+    ("course", {"seconds": 8}),
+    ("turn", {"seconds": 3}),
+    ("get-up", {"seconds": 4}),
+]
+
+
+@pytest.mark.parametrize("kind, options", SHORT, ids=[kind for kind, _ in SHORT])
+def test_the_same_seed_gives_the_same_figures_whatever_the_load(
+    base: Configs, kind: str, options: dict
+) -> None:
+    run = first_run(base, kind, **options)
+    result = evaluate(run, details=True)
+    assert result.failure is None, result.outputs
+    assert set(result.metrics) == set(KINDS[kind].metrics)
+    with busy_machine():
+        again = evaluate(run, details=True)
+    assert again.figures == result.figures
+    assert again.metrics == result.metrics
+
+
+def test_another_seed_or_other_values_give_another_match(base: Configs) -> None:
+    run = first_run(base, "striker", duration=8, placed=True)
+    figures = evaluate(run, details=True).figures
+    assert (
+        evaluate(first_run(base, "striker", seed=4, duration=8, placed=True), details=True).figures != figures
+    )
+    slower = dict(base)
+    slower["omniWalk.conf"] = base["omniWalk.conf"].replace("speed = 0.6148", "speed = 0.3")
+    assert slower != base
+    assert evaluate(Run(run.kind, run.options, run.seed, slower), details=True).figures != figures
+
+
+def test_with_an_odd_seed_the_candidate_plays_on_the_right(base: Configs) -> None:
+    for seed, side in ((4, "left"), (5, "right")):
+        figures = evaluate(
+            first_run(base, "match", seed, duration=2, players=[9], rivals=[10]), details=True
+        ).figures
+        assert figures and figures["teams"][side]["name"] == "Quolnaris"
+        assert [player["number"] for player in figures["players"] if player["side"] == side] == [9]
+
+
+def test_values_that_end_the_player_make_a_failed_run(base: Configs) -> None:
+    broken = dict(base)
+    broken["omniWalk.conf"] = base["omniWalk.conf"].replace("speed =", "sped =")
+    result = evaluate(Run("striker", first_run(base, "striker", duration=20).options, 1, broken))
+    assert result.failure and "player-Quolnaris-9 was ended by signal 6" in result.failure
+    assert result.outputs and "speed" in result.outputs["player-Quolnaris-9"]
+
+
+def test_a_player_that_is_killed_makes_a_failed_run(base: Configs) -> None:
+    def kill() -> None:
+        for _ in range(200):
+            time.sleep(0.05)
+            for child in children_of(os.getpid()):
+                if b"--number" in Path(f"/proc/{child}/cmdline").read_bytes():
+                    time.sleep(0.3)
+                    os.kill(child, signal.SIGKILL)
+                    return
+
+    killer = threading.Thread(target=kill)
+    killer.start()
+    result = evaluate(first_run(base, "striker", duration=300))
+    killer.join()
+    assert result.failure == "player-Quolnaris-9 was ended by signal 9"
+    assert children_of(os.getpid()) == []
+
+
+def children_of(pid: int) -> list[int]:
+    found = []
+    for path in Path("/proc").glob("[0-9]*/stat"):
+        try:
+            words = path.read_text().rsplit(")", 1)[1].split()
+        except OSError:
+            continue
+        if int(words[1]) == pid and words[0] != "Z":
+            found.append(int(path.parent.name))
+    return found
+
+
+def test_nothing_outlives_a_worker_that_is_killed(tmp_path: Path) -> None:
+    script = tmp_path / "worker.py"
+    script.write_text(
+        "import sys, time\n"
+        f"sys.path.insert(0, {str(paths.ROOT)!r})\n"
+        "from tuning.stage import Stage\n"
+        "with Stage() as stage:\n"
+        "    for name in ('one', 'two'):\n"
+        "        print(stage.start(name, ['sleep', '600']).process.pid, flush=True)\n"
+        "    time.sleep(600)\n"
+    )
+    with subprocess.Popen([sys.executable, script], stdout=subprocess.PIPE, text=True) as worker:
+        assert worker.stdout
+        children = [int(worker.stdout.readline()) for _ in range(2)]
+        time.sleep(0.3)
+        worker.kill()
+    for _ in range(100):
+        if not any(Path(f"/proc/{child}").exists() for child in children):
+            return
+        time.sleep(0.05)
+    pytest.fail("a program runs on without its worker")
+
+
+def test_a_program_that_hangs_is_ended() -> None:
+    with Stage() as stage:
+        program = stage.start("sleeper", ["sleep", "600"])
+        with pytest.raises(RunFailed, match="sleeper had not ended"):
+            stage.wait_for(program, limit=0.2)
+    assert program.status == -signal.SIGKILL
+
+
+def test_a_missing_program_is_told(base: Configs, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    from tuning.errors import TuneError
+
+    monkeypatch.setenv(paths.PROGRAMS_VARIABLE, str(tmp_path))
+    with pytest.raises(TuneError, match="arena is missing"):
+        evaluate(first_run(base, "kick-off"))

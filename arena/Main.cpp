@@ -244,8 +244,8 @@ int main(int argc, char** argv) {
   app.add_flag("--quiet", quiet, "no progress line, no messages but errors");
   app.footer(
       "Interrupt, terminate and hang-up (SIGINT, SIGTERM, SIGHUP) end the match in order: "
-      "recording "
-      "and\nreport are complete. What clients do over and over is told once and then counted.");
+      "recording and\nreport are complete. What clients do over and over is told once and then "
+      "counted.");
   CLI11_PARSE(app, argc, argv);
 
   // Whoever reads the messages may go before the match ends.

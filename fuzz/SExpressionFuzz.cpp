@@ -23,11 +23,11 @@ void demand(bool good) {
 // Appends the node as it would be written without quotes, escapes and comments. Atoms that need
 // those become a letter.
 void write(SExpression::Node node, int depth, std::string& text) {
-  demand(depth < SExpression::kMaxDepth);
   if (node.isAtom()) {
     text += SExpression::isPlainAtom(node.text()) ? node.text() : "q";
     return;
   }
+  demand(depth < SExpression::kMaxDepth);
   demand(node.text().empty() && node.number() == 0 && node.integer() == 0);
   text += '(';
   bool first = true;
@@ -69,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ask(list);
     write(list, 0, plain);
   }
-  demand(again.read(plain) == SExpression::Status::kComplete && again.size() == reader.size());
+  demand(again.read(plain) == SExpression::Status::Complete && again.size() == reader.size());
   twice.clear();
   for (const SExpression::Node list : again) write(list, 0, twice);
   demand(plain == twice);

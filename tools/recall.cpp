@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
+#include "FrameRecording.h"
 #include "MindRecord.h"
 #include "PlayerReplay.h"
-#include "FrameRecording.h"
 
 namespace {
 

@@ -36,10 +36,11 @@ constexpr std::size_t kMonitorBacklog = std::size_t{512} << 10;
 // beyond. Of an agent without a robot only its scene matters.
 constexpr std::size_t kSceneFrames = 8;
 constexpr std::size_t kSceneBytes = std::size_t{4} << 10;
-// What the trainer can take in a cycle is enough for the shares of all monitors.
-constexpr std::size_t kTrainerFrames = Trainer::kMaxFrames / ArenaServer::kMaxMonitors;
+// All monitors together get three quarters of what the trainer can take in a cycle, so that there
+// is always room for a script's commands.
+constexpr std::size_t kTrainerFrames = Trainer::kMaxFrames / ArenaServer::kMaxMonitors * 3 / 4;
 constexpr std::size_t kTrainerBytes =
-    Trainer::kMaxBytes / ArenaServer::kMaxMonitors - kMonitorLimits.frameLength;
+    Trainer::kMaxBytes / ArenaServer::kMaxMonitors * 3 / 4 - kMonitorLimits.frameLength;
 
 std::string quoted(std::string_view reason) {
   return reason.empty() ? std::string() : " (" + std::string(reason) + ")";

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <cstdint>
 
+#include "FrameRecording.h"
 #include "Match/Match.h"
 #include "Monitor/MonitorStream.h"
-#include "FrameRecording.h"
 
 namespace viewer {
 namespace {

@@ -196,8 +196,8 @@ TEST(ArenaServerLockstepTest, WaitsAsBeforeForAnAgentWhoseAnswerCameTooLate) {
     return frames;
   };
   for (int pause = 0; pause < 3; ++pause) {
-    while (answer() > 2) {
-    }
+    int batches = 0;
+    while (answer() > 2) ASSERT_LT(++batches, 50);
     for (int i = 0; i < 5; ++i) EXPECT_EQ(answer(), 2);
     std::this_thread::sleep_for(std::chrono::milliseconds(250));
   }
@@ -206,25 +206,30 @@ TEST(ArenaServerLockstepTest, WaitsAsBeforeForAnAgentWhoseAnswerCameTooLate) {
 
 // Frames that it has lost by not reading are not expected to be answered.
 TEST(ArenaServerLockstepTest, DoesNotWaitForAnswersToFramesThatWereDropped) {
-  Arena arena(impatient());
+  using Clock = std::chrono::steady_clock;
+  ServerOptions options;
+  options.agentTimeout = 1.0;
+  Arena arena(options);
   Client agent(arena.agents(), 4096);
   agent.send("(scene rsg/agent/nao/nao.rsg)");
   for (int i = 0; i < 3000 && arena.logged("frames are dropped") == 0; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   ASSERT_EQ(arena.logged("frames are dropped"), 1);
-  std::this_thread::sleep_for(std::chrono::milliseconds(200));
-  const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < 5000; ++i) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  // It answers all that has got through, and then the match goes on with it without a pause.
+  double last = 0;
+  double jump = 0;
+  for (int after = 0; after<200; after += jump> 0.1 ? 1 : 0) {
+    const Clock::time_point asked = Clock::now();
     const auto frame = agent.receive();
     ASSERT_TRUE(frame);
+    EXPECT_LT(Clock::now() - asked, std::chrono::milliseconds(700));
+    const double time = std::stod(frame->substr(frame->find("now ") + 4));
+    if (last > 0) jump = std::max(jump, time - last);
+    last = time;
     agent.send("(syn)");
   }
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  const long before = arena.cycles();
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_EQ(arena.cycles(), before) << "it is not waited for again";
 }
 
 TEST(ArenaServerLockstepTest, LetsTheClockStandWithoutAgents) {

@@ -12,11 +12,13 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "Match/Match.h"
 #include "Net/ArenaServer.h"
 #include "Net/EventLog.h"
 #include "Recording/MatchReport.h"
+#include "Recording/PerceptRecord.h"
 #include "Recording/RecordingWriter.h"
 #include "Trainer/TrainerScript.h"
 #include "Wire/Printable.h"
@@ -72,15 +74,25 @@ class ProgressLine {
 class Chronicle {
  public:
   // Empty names: nothing is written. Throws std::runtime_error if one of the files cannot be made.
-  Chronicle(const std::string& recording, const std::string& report) : reportFile_(report) {
+  Chronicle(const std::string& recording, const std::string& report, const std::string& percepts)
+      : reportFile_(report) {
     // Found out now and not after the match. What is there stays until there is a new report.
     if (!report.empty() && !std::ofstream(report, std::ios::app)) refuseReport();
     if (!recording.empty()) writer_.emplace(recording);
+    if (!percepts.empty()) percepts_.emplace(percepts);
+  }
+
+  // What the server has to tell for it, beside the cycles.
+  arena::ArenaServer::Wiretap wiretap() {
+    if (!percepts_) return {};
+    return {[this](int agent, std::string_view text) { percepts_->frame(agent, text); },
+            [this](int agent, std::string_view text) { percepts_->answer(agent, text); }};
   }
 
   void cycle(const arena::Match& match, const arena::ArenaServer::CycleReport& cycle) {
     const arena::Referee& referee = match.referee();
     if (writer_) writer_->write(match.scene(), match.game(), referee.goals(), referee.fouls());
+    if (percepts_) percepts_->endCycle(match.scene());
     if (reportFile_.empty()) return;
     report_.observe(match.scene(), match.game(), referee.goals(), referee.fouls(),
                     referee.lastTouch());
@@ -106,8 +118,10 @@ class Chronicle {
   // Throws std::runtime_error if something could not be written.
   void finish() {
     const bool recorded = !writer_ || writer_->close();
+    const bool perceived = !percepts_ || percepts_->close();
     if (!reportFile_.empty() && !report_.write(reportFile_)) refuseReport();
     if (!recorded) throw std::runtime_error("the recording is incomplete");
+    if (!perceived) throw std::runtime_error("the record of the percepts is incomplete");
   }
 
  private:
@@ -117,6 +131,7 @@ class Chronicle {
   }
 
   std::optional<arena::RecordingWriter> writer_;
+  std::optional<arena::PerceptRecord> percepts_;
   arena::MatchReport report_;
   std::string reportFile_;
 };
@@ -172,6 +187,7 @@ int main(int argc, char** argv) {
   bool quiet = false;
   std::string recording;
   std::string report;
+  std::string percepts;
   std::string scriptFile;
 
   CLI::App app{
@@ -217,8 +233,10 @@ int main(int argc, char** argv) {
   app.add_flag("--ground-truth", matchOptions.groundTruth,
                "add the terms mypos, myorien and ballpos to what agents see");
   app.add_option("--record", recording,
-                 "write every cycle to this file, for match-picture; what is there can be read at "
-                 "any time, and after a crash");
+                 "write every cycle to this file, for viewer and match-picture; what is there can "
+                 "be read at any time, and after a crash");
+  app.add_option("--record-percepts", percepts,
+                 "write what each agent is sent and answers to this directory, for recall");
   app.add_option("--report", report,
                  "at the end write score, goals and sums to this file, as JSON");
   app.add_option("--trainer-script", scriptFile,
@@ -245,9 +263,10 @@ int main(int argc, char** argv) {
     arena::Match match(matchOptions);
     // Before any file is touched: a second arena at the same ports must not harm the first one's.
     arena::ArenaServer server(match, serverOptions, log);
-    Chronicle chronicle(recording, report);
+    Chronicle chronicle(recording, report, percepts);
     log("agents at port " + std::to_string(server.agentPort()) + ", monitors at port " +
         std::to_string(server.monitorPort()));
+    server.setWiretap(chronicle.wiretap());
     script.beforeCycle(cycles, match.trainer());
     server.setObserver([&](const arena::ArenaServer::CycleReport& cycle) {
       chronicle.cycle(match, cycle);

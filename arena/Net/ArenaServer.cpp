@@ -174,10 +174,15 @@ void ArenaServer::onAgentEvent(AgentSession& session) {
   session.silent = false;
 }
 
+void ArenaServer::apply(const AgentSession& session, const std::string& message) {
+  if (wiretap_.applied) wiretap_.applied(session.id, message);
+  match_.receive(session.id, message);
+}
+
 void ArenaServer::catchUp(AgentSession& session) {
   FramedConnection& connection = *session.connection;
   while (connection.waiting() > 0 && session.applied + session.forgiven + 1 < session.given) {
-    match_.receive(session.id, connection.take());
+    apply(session, connection.take());
     ++session.applied;
   }
 }
@@ -186,7 +191,7 @@ void ArenaServer::readForScene(AgentSession& session) {
   FramedConnection& connection = *session.connection;
   while (!match_.hasScene(session.id) && connection.waiting() > 0 &&
          within(session.used, {kSceneFrames, kSceneBytes})) {
-    match_.receive(session.id, take(connection, session.used));
+    apply(session, take(connection, session.used));
     session.applied = 1;
   }
 }
@@ -345,7 +350,7 @@ void ArenaServer::handOver() {
     // Frame k, which is given in this cycle, comes after messages 1 to k - 1.
     while (session.connection->waiting() > 0 &&
            (options_.realTime || (frameDue(session) && session.applied < session.given))) {
-      match_.receive(id, session.connection->take());
+      apply(session, session.connection->take());
       ++session.applied;
     }
   }
@@ -354,7 +359,9 @@ void ArenaServer::handOver() {
 void ArenaServer::sendPercepts() {
   for (AgentSession& session : agents_) {
     if (!frameDue(session)) continue;
-    if (session.connection->send(match_.percept(session.id))) {
+    const bool sent = session.connection->send(match_.percept(session.id));
+    if (wiretap_.given) wiretap_.given(session.id, sent ? match_.percept(session.id) : "");
+    if (sent) {
       ++session.given;
     } else if (!std::exchange(session.toldSlow, true)) {
       log_("agent " + std::to_string(session.id) + ": does not read, frames are dropped");

@@ -11,6 +11,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Match/Match.h"
@@ -55,6 +56,12 @@ class ArenaServer {
     std::vector<Match::AgentId> late;
   };
   using Observer = std::function<void(const CycleReport&)>;
+  // Told of every frame given to an agent (empty for one that was dropped, since it does not read)
+  // and of every message of an agent that is applied.
+  struct Wiretap {
+    std::function<void(Match::AgentId agent, std::string_view text)> given;
+    std::function<void(Match::AgentId agent, std::string_view text)> applied;
+  };
 
   // Opens both ports. Throws std::runtime_error with address and port if that fails. `match` must
   // outlive it.
@@ -67,6 +74,8 @@ class ArenaServer {
   void setObserver(Observer observer) { observer_ = std::move(observer); }
   // To be called while the arena waits for something, at least every 20 ms.
   void setIdler(std::function<void()> idler) { idler_ = std::move(idler); }
+
+  void setWiretap(Wiretap wiretap) { wiretap_ = std::move(wiretap); }
 
   // Plays until the duration is over, a trainer asks for the end, or stop().
   void run();
@@ -142,6 +151,8 @@ class ArenaServer {
   void cycle();
   void removeEnded();
   void closeAll();
+  // Hands a message to the match.
+  void apply(const AgentSession& session, const std::string& message);
   void handOver();
   void sendPercepts();
   void sendMonitors();
@@ -157,6 +168,7 @@ class ArenaServer {
   std::list<AgentSession> agents_;
   std::list<MonitorSession> monitors_;
   Observer observer_;
+  Wiretap wiretap_;
   std::function<void()> idler_;
   CycleReport report_;
   long cycles_ = 0;

@@ -7,9 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Common/Events.h"
-#include "Common/PlayMode.h"
-#include "Common/Scene.h"
+#include "Recording/RecordedCycle.h"
 #include "Recording/RecordingFormat.h"
 
 namespace arena {
@@ -18,31 +16,6 @@ namespace arena {
 class RecordingError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
-};
-
-struct RecordedRobot {
-  Side side = Side::Left;
-  int number = 0;
-  int type = 0;
-  Eigen::Isometry3d torso = Eigen::Isometry3d::Identity();  // world from torso
-  std::array<float, kMaxJoints> joints{};                   // degrees; jointCount(type) of them
-};
-
-struct RecordedFoul {
-  FoulType type = FoulType::Touching;
-  Side side = Side::Left;
-  int number = 0;
-};
-
-struct RecordedCycle {
-  float time = 0;  // game time, s
-  PlayMode mode = PlayMode::BeforeKickOff;
-  int half = 1;
-  std::array<int, 2> score = {0, 0};                       // by Side
-  Eigen::Isometry3d ball = Eigen::Isometry3d::Identity();  // world from ball
-  std::vector<RecordedRobot> robots;                       // in order of connection
-  std::vector<GoalEvent> goals;                            // of this cycle
-  std::vector<RecordedFoul> fouls;                         // the same
 };
 
 // Reads a match recording from its beginning to its end.

@@ -5,12 +5,11 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <vector>
 
 #include "Common/Events.h"
 #include "Common/GameState.h"
 #include "Common/Scene.h"
-#include "Recording/RecordingFormat.h"
+#include "Recording/RecordingEncoder.h"
 
 namespace arena {
 
@@ -35,26 +34,6 @@ class RecordingWriter {
   bool close();
 
  private:
-  struct Robot {
-    int handle;
-    Side side;
-    int number;
-    int type;
-    RecordedRobotNumbers last{};
-    bool sameAs(const SceneRobot& robot) const {
-      return handle == robot.handle && side == robot.side && number == robot.number &&
-             type == robot.type;
-    }
-  };
-
-  void writeTeams(const GameState& game);
-  void writeRoster(std::span<const SceneRobot* const> robots);
-  void byte(std::uint64_t value) { buffer_.push_back(static_cast<char>(value & 0xff)); }
-  void unsignedNumber(std::uint64_t value);
-  void signedNumber(std::int64_t value);
-  void block(RecordingBlock kind) { byte(static_cast<std::uint8_t>(kind)); }
-  void text(std::string_view value);
-  void time(float seconds);
   // Gives the buffer to the compression.
   void compress();
   // The same, and all that is compressed to the system.
@@ -67,9 +46,7 @@ class RecordingWriter {
   bool fresh_ = true;  // nothing waits
   Clock::time_point flushed_;
   std::string buffer_;
-  std::array<std::string, 2> teamNames_;
-  std::vector<Robot> roster_;
-  RecordedPose lastBall_{};
+  RecordingEncoder encoder_;
   std::uint64_t cycles_ = 0;
 };
 

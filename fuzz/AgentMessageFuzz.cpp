@@ -22,8 +22,9 @@ void demand(bool good) {
 // The percepts must stay expressions whatever is sent.
 void checkPercepts(const arena::Match& match) {
   arena::SExpression reader;
-  for (const auto agent : match.agents())
+  for (const auto agent : match.agents()) {
     demand(reader.read(match.percept(agent)) == arena::SExpression::Status::Complete);
+  }
 }
 
 }  // namespace

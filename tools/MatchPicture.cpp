@@ -71,9 +71,10 @@ std::string scorerOf(const GoalEvent& goal) {
 std::string goalList(const std::vector<Goal>& goals) {
   constexpr std::size_t kShown = 3;
   std::string text;
-  for (std::size_t i = 0; i < goals.size() && i < kShown; ++i)
+  for (std::size_t i = 0; i < goals.size() && i < kShown; ++i) {
     text += "; " + scoreText(goals[i].score) + " at " +
             seconds(static_cast<double>(goals[i].event.time)) + scorerOf(goals[i].event);
+  }
   if (goals.size() > kShown) text += " ...";
   return text;
 }
@@ -122,8 +123,9 @@ DrawnMatch drawMatch(const std::string& path, const MatchPictureOptions& options
     score = sides.of(cycle.score);
     const Eigen::Vector3d place = cycle.ball.translation();
     ball.add(place, kBallJump);
-    for (const RecordedRobot& robot : cycle.robots)
+    for (const RecordedRobot& robot : cycle.robots) {
       players[{sides.of(robot.side), robot.number}].add(robot.torso.translation(), kRobotJump);
+    }
     for (GoalEvent goal : cycle.goals) {
       goal.side = sides.of(goal.side);
       goal.scorerSide = sides.of(goal.scorerSide);
@@ -133,8 +135,9 @@ DrawnMatch drawMatch(const std::string& path, const MatchPictureOptions& options
   }
 
   std::array<std::string, 2> names = sides.names();
-  for (std::size_t i = 0; i < 2; ++i)
+  for (std::size_t i = 0; i < 2; ++i) {
     if (names[i].empty()) names[i] = kNames[i];
+  }
   const std::string title = names[0] + "  " + scoreText(score) + "  " + names[1];
   std::string subtitle = first < 0 ? "nothing recorded in this time"
                                    : "game time " + seconds(first) + " to " + seconds(last) + ", " +
@@ -157,15 +160,18 @@ DrawnMatch drawMatch(const std::string& path, const MatchPictureOptions& options
     picture.addPath(ball.path(), {"#263238", 5, 0.8});
     picture.addPath(ball.path(), {kBallColour, 3, 1}, "ball");
   }
-  for (const auto& [key, track] : players)
+  for (const auto& [key, track] : players) {
     picture.addMark(track.last(), kTeamColours[index(key.first)], std::to_string(key.second));
-  if (!ball.path().empty())
-    picture.addMark(ball.last(), "#f57f17", "ball", PitchPicture::Label::kBelow);
+  }
+  if (!ball.path().empty()) {
+    picture.addMark(ball.last(), "#f57f17", "ball", PitchPicture::Label::Below);
+  }
   // Goals fall at nearly the same places; their scores stand above and below by turns.
-  for (std::size_t i = 0; i < goals.size(); ++i)
+  for (std::size_t i = 0; i < goals.size(); ++i) {
     picture.addMark(goals[i].place, kTeamColours[index(goals[i].event.side)],
                     scoreText(goals[i].score),
-                    i % 2 == 0 ? PitchPicture::Label::kAbove : PitchPicture::Label::kBelow);
+                    i % 2 == 0 ? PitchPicture::Label::Above : PitchPicture::Label::Below);
+  }
   return {picture.svg(), reader.complete()};
 }
 

@@ -49,7 +49,7 @@ std::string label(double x, double y, double size, const std::string& anchor,
          "\" fill=\"#374151\" text-anchor=\"" + anchor + "\">" + text + "</text>\n";
 }
 
-enum class View { kSide, kFront };
+enum class View { Side, Front };
 
 // One stick figure; (x0, ground) is the foot of the torso's plumb line on the ground.
 class FigureSketch {
@@ -59,7 +59,7 @@ class FigureSketch {
 
   std::string draw(const StickFigure& figure) const {
     // The limbs that are farther from the eye first.
-    const bool nearIsLeft = view_ == View::kSide;
+    const bool nearIsLeft = view_ == View::Side;
     std::string out = limbs(figure, nearIsLeft ? 1 : 0);
     const MotionPoint neck = middle(figure.arm[0][0], figure.arm[1][0]);
     const MotionPoint pelvis = middle(figure.leg[0][0], figure.leg[1][0]);
@@ -75,7 +75,7 @@ class FigureSketch {
   }
   double x(const MotionPoint& p) const {
     // From the left, forward points to the left; from the front, the robot's left is to the right.
-    return x0_ + (view_ == View::kSide ? -p.x : p.y) * kFigureScale;
+    return x0_ + (view_ == View::Side ? -p.x : p.y) * kFigureScale;
   }
   double y(const MotionPoint& p) const { return ground_ - (height_ + p.z) * kFigureScale; }
 
@@ -115,8 +115,8 @@ std::string figureCell(const MotionSample& sample, double left, double top) {
   for (double ground : {sideGround, frontGround}) {
     out += line(left + 4, ground, left + kCellWidth - 4, ground, kGroundColour, 1);
   }
-  out += FigureSketch(View::kSide, middle, sideGround, sample.torso.z).draw(*sample.figure);
-  out += FigureSketch(View::kFront, middle, frontGround, sample.torso.z).draw(*sample.figure);
+  out += FigureSketch(View::Side, middle, sideGround, sample.torso.z).draw(*sample.figure);
+  out += FigureSketch(View::Front, middle, frontGround, sample.torso.z).draw(*sample.figure);
   char time[32];
   std::snprintf(time, sizeof(time), "%.2f s", sample.cycle * 0.02);
   return out + label(middle, frontGround + 15, 11, "middle", time);
@@ -206,8 +206,9 @@ class PathSketch {
     std::string out =
         "<polyline fill=\"none\" stroke=\"" + colour + "\" stroke-width=\"2\" points=\"";
     for (const MotionSample& sample : samples_) {
-      if (const MotionPoint* p = where(sample))
+      if (const MotionPoint* p = where(sample)) {
         out += number(px(p->x)) + "," + number(py(p->y)) + " ";
+      }
     }
     return out + "\"/>\n";
   }

@@ -211,15 +211,15 @@ void PitchPicture::add(Kind kind, Path points, const Pen& pen, const std::string
     upperRight_.x = std::max(upperRight_.x, shown(point.x + kAround));
     upperRight_.y = std::max(upperRight_.y, shown(point.y + kAround));
   }
-  items_.push_back({kind, std::move(points), pen, name, Label::kAbove});
+  items_.push_back({kind, std::move(points), pen, name, Label::Above});
 }
 
 void PitchPicture::addPath(const Path& points, const Pen& pen, const std::string& name) {
-  add(Kind::kPath, points, pen, name);
+  add(Kind::Path, points, pen, name);
 }
 
 void PitchPicture::addDots(const Path& points, const Pen& pen, const std::string& name) {
-  add(Kind::kDots, points, pen, name);
+  add(Kind::Dots, points, pen, name);
 }
 
 void PitchPicture::addLinks(const std::vector<std::pair<Point, Point>>& links, const Pen& pen,
@@ -230,13 +230,13 @@ void PitchPicture::addLinks(const std::vector<std::pair<Point, Point>>& links, c
     points.push_back(first);
     points.push_back(second);
   }
-  add(Kind::kLinks, std::move(points), pen, name);
+  add(Kind::Links, std::move(points), pen, name);
 }
 
 void PitchPicture::addMark(const Point& point, const std::string& colour, const std::string& text,
                            Label label) {
   if (!isPosition(point)) return;
-  add(Kind::kMark, {point}, {colour}, text);
+  add(Kind::Mark, {point}, {colour}, text);
   items_.back().label = label;
 }
 
@@ -254,32 +254,32 @@ std::string PitchPicture::svg() const {
   canvas.raw("</clipPath>\n<g clip-path=\"url(#shown)\">");
   for (const Item& item : items_) {
     switch (item.kind) {
-      case Kind::kPath:
+      case Kind::Path:
         canvas.path(item.points, stroke(item.pen));
         break;
-      case Kind::kDots:
+      case Kind::Dots:
         for (const Point& point : item.points) {
           if (isPosition(point)) canvas.circle(point, item.pen.width / 2, fill(item.pen));
         }
         break;
-      case Kind::kLinks:
+      case Kind::Links:
         for (std::size_t i = 0; i + 1 < item.points.size(); i += 2) {
           canvas.line(item.points[i], item.points[i + 1], stroke(item.pen));
         }
         break;
-      case Kind::kMark:
+      case Kind::Mark:
         break;  // above everything else, below
     }
   }
   for (const Item& item : items_) {
-    if (item.kind != Kind::kMark) continue;
+    if (item.kind != Kind::Mark) continue;
     const std::string words =
         "font-size=\"15\" paint-order=\"stroke\" stroke=\"#ffffff\" "
         "stroke-width=\"3.5\" stroke-linejoin=\"round\" ";
     canvas.circle(item.points[0], 6, fill(item.pen) + " stroke=\"#ffffff\" stroke-width=\"2\"");
     // Near the right edge the words stand before the dot instead of behind it.
     const bool before = item.points[0].x > upperRight_.x - kWordsRoom;
-    canvas.textAt(item.points[0], before ? -8 : 8, item.label == Label::kAbove ? -9 : 19, item.name,
+    canvas.textAt(item.points[0], before ? -8 : 8, item.label == Label::Above ? -9 : 19, item.name,
                   words + fill(item.pen) + (before ? " text-anchor=\"end\"" : ""));
   }
 
@@ -288,8 +288,8 @@ std::string PitchPicture::svg() const {
   double left = kMargin;
   const double middle = canvas.height() - kFooter / 2 + 4;
   for (const Item& item : items_) {
-    if (item.kind == Kind::kMark || item.name.empty()) continue;
-    if (item.kind == Kind::kDots) {
+    if (item.kind == Kind::Mark || item.name.empty()) continue;
+    if (item.kind == Kind::Dots) {
       canvas.pixelCircle(left + 18, middle - 5, std::max(item.pen.width / 2, 3.0), fill(item.pen));
     } else {
       canvas.pixelLine(left, middle - 5, left + 36, middle - 5, stroke(item.pen));

@@ -36,21 +36,21 @@ class PitchPicture {
   void addLinks(const std::vector<std::pair<Point, Point>>& links, const Pen& pen,
                 const std::string& name = "");
   // A ringed dot with a text above or below it; one that is no position is left out.
-  enum class Label { kAbove, kBelow };
+  enum class Label { Above, Below };
   void addMark(const Point& point, const std::string& colour, const std::string& text,
-               Label label = Label::kAbove);
+               Label label = Label::Above);
 
   // The whole document.
   std::string svg() const;
 
  private:
-  enum class Kind { kPath, kDots, kLinks, kMark };
+  enum class Kind { Path, Dots, Links, Mark };
   struct Item {
     Kind kind;
     Path points;  // of links: first, second, first, second ...
     Pen pen;
     std::string name;
-    Label label = Label::kAbove;
+    Label label = Label::Above;
   };
 
   void add(Kind kind, Path points, const Pen& pen, const std::string& name);

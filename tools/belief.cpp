@@ -363,7 +363,7 @@ void writePicture(const Options& options, const Story& story,
   picture.addPath(believed, {"#e65100", 2.5}, "own path, believed");
   if (!actual.empty()) {
     picture.addMark(actual.front(), "#0d47a1", "start");
-    picture.addMark(actual.back(), "#0d47a1", "end", PitchPicture::Label::kBelow);
+    picture.addMark(actual.back(), "#0d47a1", "end", PitchPicture::Label::Below);
   }
   if (!believed.empty()) {
     picture.addMark(believed.front(), "#e65100", truth != nullptr ? "" : "start");

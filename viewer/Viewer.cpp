@@ -126,8 +126,9 @@ void Viewer::tellNews() {
     server_.broadcast({head});
   }
   for (toldChunks_ = std::max(toldChunks_, film().firstChunk()); toldChunks_ < film().endChunk();
-       ++toldChunks_)
+       ++toldChunks_) {
     server_.broadcast({"{\"news\":\"chunk\",\"chunk\":" + film().chunkEntry(toldChunks_) + "}"});
+  }
   for (; toldMarks_ < film().marks().size(); ++toldMarks_) {
     server_.broadcast(
         {"{\"news\":\"mark\",\"mark\":" + Film::markEntry(film().marks()[toldMarks_]) + "}"});

@@ -102,8 +102,9 @@ TEST(NAOKinematicsConstantsTest, EachHasItsValue) {
       {"RotRLhipR", nao.RotRLhipR, xyz(0, kPi / 2, 0)},
       {"RotRLallPitchs", nao.RotRLallPitchs, xyz(0, kPi / 2, kPi / 2)},
   };
-  for (const auto& row : rows)
+  for (const auto& row : rows) {
     EXPECT_LT(difference(values(row.member), row.value), 1e-13) << row.name;
+  }
   EXPECT_EQ(NAOKinematics::PI, 3.141592653589793);
 }
 

@@ -183,8 +183,9 @@ TEST_F(FastICTest, EraseOfOneTakesTheOpposingGoalieOut) {
   fc.setPlayers();
   fc.erasePlayer(1);
   ASSERT_EQ(fc.fastPlayers.size(), 20u);
-  for (const FastPlayer& candidate : fc.fastPlayers)
+  for (const FastPlayer& candidate : fc.fastPlayers) {
     EXPECT_NE(candidate.human.getPlayerNumber(), 1);
+  }
 }
 
 TEST_F(FastICTest, EraseLeavesTheSecondOfTwoNeighbours) {
@@ -586,8 +587,9 @@ struct Search {
       double cost = step - turn / (own ? 60 : 50) - (c.fallen ? (own ? 12 : 3) : 0);
       cost = std::max(cost, 0.0);
       const double way = std::hypot(x - (c.x + step * c.velX), y - (c.y + step * c.velY));
-      if (cost * (own ? static_cast<double>(0.9f) : 1.0) >= way)
+      if (cost * (own ? static_cast<double>(0.9f) : 1.0) >= way) {
         return Hit{step, cost, order, c.number};
+      }
     }
     return std::nullopt;
   }

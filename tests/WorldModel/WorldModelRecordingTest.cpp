@@ -118,8 +118,9 @@ class Reference {
       if (head == "GS") takeGameState(node);
       if (head == "GYR") rate = threeNumbers(node.children.at(2)) * 0.02;
       if (head == "ACC") takeAcceleration(threeNumbers(node.children.at(2)));
-      if (head == "HJ")
+      if (head == "HJ") {
         joints[node.children.at(1).children.at(1).atom] = node.children.at(2).number(1);
+      }
       if (head == "FRP") {
         Foot& foot = feet[node.children.at(1).children.at(1).atom];
         foot = {threeNumbers(node.children.at(2)), threeNumbers(node.children.at(3)), time};

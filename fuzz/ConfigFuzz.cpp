@@ -25,8 +25,8 @@ namespace {
       std::fprintf(stderr, "%d: %s does not hold\n", __LINE__, #condition); \
       std::abort();                                                         \
     }                                                                       \
-  } while (false) {
-}  // namespace
+  } while (false)
+
 bool isBlank(char c) {
   return c == ' ' || c == '\t';
 }

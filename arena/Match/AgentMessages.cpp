@@ -109,6 +109,8 @@ void readTerm(Node term, const RobotModel& model, AgentMessage& message) {
       return;
     }
   }
+  // Players may move their toes whatever robot they were given.
+  if (jointIndex(robotModel(kTypeWithToes), name) >= 0) return;
   message.complaints.push_back("unknown effector " + std::string(name));
 }
 

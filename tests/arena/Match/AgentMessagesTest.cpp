@@ -54,8 +54,10 @@ TEST_F(AgentMessagesTest, SpeedsComeInOrderAndOnlyWithAnAtom) {
   EXPECT_EQ(message.speeds[1].speed, -2);
 }
 
-TEST_F(AgentMessagesTest, ToesAreKnownToTheTypeThatHasThem) {
-  EXPECT_THAT(read("(lle7 1)").complaints, ElementsAre("unknown effector lle7"));
+TEST_F(AgentMessagesTest, ToesMoveOnlyTheTypeThatHasThemButAreNoError) {
+  EXPECT_THAT(read("(lle7 1)").speeds, IsEmpty());
+  EXPECT_THAT(read("(lle7 1)").complaints, IsEmpty());
+  EXPECT_THAT(read("(lle9 1)").complaints, ElementsAre("unknown effector lle9"));
   EXPECT_EQ(messages.read("(lle7 1)", &robotModel(kTypeWithToes)).speeds.size(), 1u);
 }
 

@@ -512,8 +512,8 @@ TEST_F(ArenaServerTest, SurvivesAgentsThatVanishAtEveryStep) {
 
 TEST_F(ArenaServerTest, SurvivesUnknownEffectorsInEveryFrame) {
   Player odd(arena.agents(), 2, "Alpha");
-  EXPECT_TRUE(odd.play(60, "(lle7 1)(rle7 -1)(lle3 nan)(rle3 inf)(he1 -1e999)"));
-  EXPECT_EQ(arena.logged("unknown effector lle7"), 1);
+  EXPECT_TRUE(odd.play(60, "(lle9 1)(rle7 -1)(lle3 nan)(rle3 inf)(he1 -1e999)"));
+  EXPECT_EQ(arena.logged("unknown effector lle9"), 1);
 }
 
 TEST_F(ArenaServerTest, TakesMoreAgentsThanFitAndAThirdTeam) {

@@ -7,6 +7,7 @@ spin for ever.
 import os
 import select
 import shutil
+import signal
 import subprocess
 import tempfile
 import time
@@ -129,7 +130,8 @@ class Stage:
         """Ends whatever runs."""
         for program in self.programs:
             if program.status is None:
-                program.process.kill()
+                # Not through Popen, which would reap one that has just ended, and its figures with it.
+                os.kill(program.process.pid, signal.SIGKILL)
         for program in self.programs:
             self._collect(program, wait=True)
 

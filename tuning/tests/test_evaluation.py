@@ -13,7 +13,7 @@ from pathlib import Path
 import pytest
 
 from tuning import paths
-from tuning.configs import Configs
+from tuning.configs import Configs, set_value
 from tuning.evaluation import Run, evaluate
 from tuning.scenarios import KINDS, read_scenario
 from tuning.stage import RunFailed, Stage
@@ -70,7 +70,7 @@ def test_another_seed_or_other_values_give_another_match(base: Configs) -> None:
         evaluate(first_run(base, "striker", seed=4, duration=8, placed=True), details=True).figures != figures
     )
     slower = dict(base)
-    slower["omniWalk.conf"] = base["omniWalk.conf"].replace("speed = 0.6148", "speed = 0.3")
+    set_value(slower, "all", "omniWalk", "omniwalk", "speed", ["0.3"])
     assert slower != base
     assert evaluate(Run(run.kind, run.options, run.seed, slower), details=True).figures != figures
 

@@ -9,7 +9,6 @@
 #include <boost/asio/write.hpp>
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -103,7 +102,9 @@ class Server {
   std::array<std::thread, 2> threads_;
 };
 
-std::unique_ptr<OurPlayer> makePlayer(const PlayerIdentity& identity, int port) {
+// A player's parts are made for the life of the process, so what holds them stays too.
+OurPlayer& makePlayer(const PlayerIdentity& identity, int port) {
+  static auto& players = *new std::vector<OurPlayer*>;
   std::vector<std::string> words = {"quolnaris",
                                     "--host",
                                     "127.0.0.1",
@@ -117,9 +118,9 @@ std::unique_ptr<OurPlayer> makePlayer(const PlayerIdentity& identity, int port) 
                                     std::to_string(identity.type)};
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
-  auto player = std::make_unique<OurPlayer>(static_cast<int>(arguments.size()), arguments.data());
-  player->publish();
-  return player;
+  players.push_back(new OurPlayer(static_cast<int>(arguments.size()), arguments.data()));
+  players.back()->publish();
+  return *players.back();
 }
 
 // Tells which frames the player has taken in: each has a text of its own, by its time.
@@ -169,25 +170,25 @@ std::vector<std::string> replayPlayer(const PlayerIdentity& identity,
                                       const std::vector<std::string>& frames,
                                       const ReplayWatch& watch) {
   Server server(frames);
-  const std::unique_ptr<OurPlayer> player = makePlayer(identity, server.port());
+  OurPlayer& player = makePlayer(identity, server.port());
   Progress progress(frames, watch);
-  player->initConnection();
+  player.initConnection();
   server.start();
 
-  player->sendRsg();
-  progress.taken(*player, false);
-  player->sendInit();
-  progress.taken(*player, false);
-  while (player->beamCounter++ < kBeams) {
-    player->sendBeam();
-    progress.taken(*player, false);
+  player.sendRsg();
+  progress.taken(player, false);
+  player.sendInit();
+  progress.taken(player, false);
+  while (player.beamCounter++ < kBeams) {
+    player.sendBeam();
+    progress.taken(player, false);
   }
   // As in OurPlayer::run, but for the end.
-  while (!progress.ended() && player->connection->getMessage(player->msg)) {
-    player->cycle();
-    player->connection->sendMessage(player->command->getFinal());
-    player->command->clear();
-    progress.taken(*player, true);
+  while (!progress.ended() && player.connection->getMessage(player.msg)) {
+    player.cycle();
+    player.connection->sendMessage(player.command->getFinal());
+    player.command->clear();
+    progress.taken(player, true);
   }
   return server.answers();
 }

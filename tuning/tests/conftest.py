@@ -9,7 +9,7 @@ import pytest
 sys.path.insert(0, str(Path(__file__).resolve().parents[2]))
 
 from tuning import paths  # noqa: E402
-from tuning.configs import Configs, read_directory, read_value  # noqa: E402
+from tuning.configs import Configs, read_directory, read_value, set_value  # noqa: E402
 from tuning.evaluation import Result, Run  # noqa: E402
 from tuning.task import Task, parse_task  # noqa: E402
 
@@ -36,14 +36,23 @@ file = "Formation"
 group = "Beam"
 key = "p11"
 low = [-0.6, -0.3, -40]
-high = [-0.15, 0.3, 40]
+high = [-0.05, 0.3, 40]
 step = [0.05, 0.05, 8]
 """
 
 
 @pytest.fixture(scope="session")
-def base() -> Configs:
+def shipped() -> Configs:
     return read_directory(paths.CONFIGS)
+
+
+@pytest.fixture(scope="session")
+def base(shipped: Configs) -> Configs:
+    """The shipped values, but where the small task searches values of the tests' own."""
+    configs = dict(shipped)
+    set_value(configs, "all", "Formation", "Beam", "p11", ["-0.22", "0.055", "0"])
+    configs.pop("overlays/number-11/Formation.conf", None)
+    return configs
 
 
 @pytest.fixture

@@ -34,6 +34,11 @@ def write_directory(configs: Configs, directory: Path) -> None:
         path.write_text(text, encoding="utf-8")
 
 
+def without_numbers(configs: Configs) -> Configs:
+    """What players have whose number has nothing of its own."""
+    return {name: text for name, text in configs.items() if not name.startswith("overlays/number-")}
+
+
 def layer_name(scope: str, file: str) -> str:
     return f"{file}.conf" if scope == "all" else f"overlays/{scope}/{file}.conf"
 

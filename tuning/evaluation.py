@@ -22,7 +22,7 @@ from pathlib import Path
 from typing import Any
 
 from tuning import paths
-from tuning.configs import Configs, write_directory
+from tuning.configs import Configs, without_numbers, write_directory
 from tuning.stage import RunFailed, Stage
 
 CYCLE = 0.02  # s
@@ -320,12 +320,16 @@ def _match(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
 
 # --- Motions ---------------------------------------------------------------------------------------
 
+_ANY_NUMBER = 2  # of a field player, where no number's own values are asked for
+
 
 def _motion(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     """One motion of the player's own code; the seed draws the error on its joints' speeds."""
     options = run.options
-    number = options["number"] or _usual_number(options["type"])
-    deployment = _deploy(run.configs, {number: options["type"]})
+    configs, number = run.configs, options["number"]
+    if number is None:
+        configs, number = without_numbers(configs), _ANY_NUMBER
+    deployment = _deploy(configs, {number: options["type"]})
     arena = _start_arena(stage, run.seed, "--ground-truth")
     agents, trainers = _ports(stage)
     command: list[str | Path] = [paths.programs() / "motion", options["motion"], "--csv"]
@@ -349,11 +353,6 @@ def _motion(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     if options.get("picture"):
         figures["picture"] = (stage.directory / "motion.svg").read_text(encoding="utf-8")
     return _MEASURES[options["measure"]](row, options), figures
-
-
-def _usual_number(kind: int) -> int:
-    """A field player of that robot type, so that the overlays of a number have a number to go by."""
-    return next((n for n, other in paths.team_types().items() if other == kind and n > 1), 2)
 
 
 def _seconds_to_end(row: dict[str, str]) -> tuple[float, float]:

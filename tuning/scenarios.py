@@ -80,7 +80,7 @@ def _motion_kind(
     types = Option([0], _list_of(_whole(0, 4)), "robot types, each in a run of its own", each="type")
     options = {
         "types": types,
-        "number": Option(None, _whole(1, 11), "whose overlays hold; a usual one of the type unless given"),
+        "number": Option(None, _whole(1, 11), "whose own values hold; those of no number unless given"),
         "seconds": Option(seconds, _number(1, 600), "seconds of play"),
         "noise": Option(0.01, _number(0, 1), "standard error of the joints' speeds, rad/s"),
         **(more or {}),

@@ -10,7 +10,7 @@ namespace arena {
 
 namespace {
 
-constexpr std::size_t kBufferSize = 64 * 1024;
+constexpr std::size_t kBufferSize = 65536;
 // Twice as often as promised: a cycle may take its time.
 constexpr std::chrono::milliseconds kFlushInterval{500};
 

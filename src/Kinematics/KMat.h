@@ -86,6 +86,7 @@ class RefHandle {
   RefHandle(const RefHandle& other) : h(other.h) {
     if (h != nullptr) h->inc();
   }
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a handle of the same storage stays.
   RefHandle& operator=(const RefHandle& other) {
     if (h != other.h) {
       release();

@@ -75,6 +75,19 @@ def test_another_seed_or_other_values_give_another_match(base: Configs) -> None:
     assert evaluate(Run(run.kind, run.options, run.seed, slower), details=True).figures != figures
 
 
+def test_a_motion_has_a_numbers_own_values_only_where_it_names_the_number(base: Configs) -> None:
+    """Players who never set a foot forward walk no course."""
+    standing = {name: text for name, text in base.items() if not name.startswith("overlays/number-")}
+    set_value(standing, "number-3", "omniWalk", "omniwalk", "speed", ["-0.428571"])
+
+    def pace(number: int | None) -> float:
+        run = first_run(standing, "course", seconds=15, number=number, types=[4])
+        return evaluate(Run(run.kind, run.options, 3, standing)).metrics["pace"]
+
+    assert pace(3) < 0.05
+    assert pace(None) > 0.1
+
+
 def test_with_an_odd_seed_the_candidate_plays_on_the_right(base: Configs) -> None:
     for seed, side in ((4, "left"), (5, "right")):
         figures = evaluate(

@@ -179,8 +179,9 @@ export class TestBrowser {
     await page.goto(url);
     return page;
   }
-  async offline(yes: boolean): Promise<void> {
-    await this.context.setOffline(yes);
+  // For all its pages, from here on.
+  async offline(): Promise<void> {
+    await this.context.setOffline(true);
   }
   get browser(): Browser | null {
     return this.context.browser();

@@ -197,13 +197,15 @@ test("what a player believed lies over what was", async () => {
   await viewer.program.stop();
 });
 
-test("the exported file opens by itself, without a network", async () => {
+test("the exported file opens by itself, without a network", async (context) => {
   const file = directory.file("match.html");
   const exported = new Program("viewer", ["--export", file, recording]);
   assert.equal(await exported.ended, 0, exported.output);
-  await browser.offline(true);
+  const alone = await TestBrowser.start();
+  context.after(() => alone.stop());
+  await alone.offline();
   const errors: string[] = [];
-  const page = await browser.page(`file://${file}`, errors);
+  const page = await alone.page(`file://${file}`, errors);
   const requests: string[] = [];
   page.on("request", (request) => requests.push(request.url()));
   await opened(page);
@@ -211,8 +213,6 @@ test("the exported file opens by itself, without a network", async () => {
   await shows(page, () => (window.viewer.shown()?.robots.length ?? 0) === 3);
   assert.deepEqual(errors, []);
   assert.deepEqual(requests.filter((url) => !url.startsWith("data:")), []);
-  await page.close();
-  await browser.offline(false);
 });
 
 test("a live match advances, obeys the trainer, and comes back with its server", async () => {

@@ -9,7 +9,7 @@ import pytest
 sys.path.insert(0, str(Path(__file__).resolve().parents[2]))
 
 from tuning import paths  # noqa: E402
-from tuning.configs import Configs, read_directory, read_value, set_value  # noqa: E402
+from tuning.configs import Configs, read_directory, read_value, set_value, without_numbers  # noqa: E402
 from tuning.evaluation import Result, Run  # noqa: E402
 from tuning.task import Task, parse_task  # noqa: E402
 
@@ -48,10 +48,9 @@ def shipped() -> Configs:
 
 @pytest.fixture(scope="session")
 def base(shipped: Configs) -> Configs:
-    """The shipped values, but where the small task searches values of the tests' own."""
-    configs = dict(shipped)
+    """The shipped values of all numbers alike; where the small task searches they are the tests' own."""
+    configs = without_numbers(shipped)
     set_value(configs, "all", "Formation", "Beam", "p11", ["-0.22", "0.055", "0"])
-    configs.pop("overlays/number-11/Formation.conf", None)
     return configs
 
 

@@ -77,7 +77,7 @@ def test_another_seed_or_other_values_give_another_match(base: Configs) -> None:
 
 def test_a_motion_has_a_numbers_own_values_only_where_it_names_the_number(base: Configs) -> None:
     """Players who never set a foot forward walk no course."""
-    standing = {name: text for name, text in base.items() if not name.startswith("overlays/number-")}
+    standing = dict(base)
     set_value(standing, "number-3", "omniWalk", "omniwalk", "speed", ["-0.428571"])
 
     def pace(number: int | None) -> float:

@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
@@ -13,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "Match/Match.h"
 #include "Net/ArenaServer.h"
@@ -147,6 +149,12 @@ arena::TrainerScript readTrainerScript(const std::string& path) {
 // More than thirty years, in seconds.
 constexpr double kLongest = 1e9;
 
+constexpr int kMostThreads = 64;
+
+int threadsOfThisMachine() {
+  return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMostThreads);
+}
+
 // A number of seconds, of which there can be only so many.
 CLI::Validator seconds(bool orNone) {
   return {[orNone](std::string& input) {
@@ -163,17 +171,17 @@ CLI::Validator seconds(bool orNone) {
           ""};
 }
 
-CLI::Validator wholeNumber(std::uint64_t largest) {
-  return {[largest](std::string& input) {
+CLI::Validator wholeNumber(std::uint64_t largest, std::uint64_t smallest = 0) {
+  return {[smallest, largest](std::string& input) {
             std::uint64_t value = 0;
             const char* end = input.data() + input.size();
             const auto [rest, error] = std::from_chars(input.data(), end, value);
-            if (error == std::errc() && rest == end && value <= largest) {
+            if (error == std::errc() && rest == end && value >= smallest && value <= largest) {
               input = std::to_string(value);  // with zeros before it, it would be read as octal
               return std::string();
             }
-            return "'" + arena::printable(input, kShownInput) + "' is no whole number from 0 to " +
-                   std::to_string(largest);
+            return "'" + arena::printable(input, kShownInput) + "' is no whole number from " +
+                   std::to_string(smallest) + " to " + std::to_string(largest);
           },
           ""};
 }
@@ -182,6 +190,7 @@ CLI::Validator wholeNumber(std::uint64_t largest) {
 
 int main(int argc, char** argv) {
   arena::MatchOptions matchOptions;
+  matchOptions.threads = threadsOfThisMachine();
   arena::ServerOptions serverOptions;
   bool noNoise = false;
   bool quiet = false;
@@ -229,6 +238,11 @@ int main(int argc, char** argv) {
                  "hold the first cycle until so many agents have loaded their scene")
       ->capture_default_str()
       ->check(wholeNumber(arena::ArenaServer::kMaxAgents));
+  app.add_option(
+         "--threads", matchOptions.threads,
+         "that work on a cycle side by side; percepts and recordings do not depend on them. "
+         "Default: one for each core")
+      ->check(wholeNumber(kMostThreads, 1));
   app.add_flag("--no-noise", noNoise, "exact vision, camera position and beams");
   app.add_flag("--ground-truth", matchOptions.groundTruth,
                "add the terms mypos, myorien and ballpos to what agents see");

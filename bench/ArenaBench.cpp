@@ -37,9 +37,19 @@ const std::vector<std::string>& movingMessages() {
 // A match with `count` robots in two rows, in play.
 class Game {
  public:
-  explicit Game(int count) : match_(arena::MatchOptions{}) {
+  Game(int count, int threads) : match_(optionsWith(threads)) {
     for (int i = 0; i < count; ++i) join(i);
     match_.referee().setMode(arena::PlayMode::PlayOn);
+  }
+
+  // All robots to one place, some centimetres apart.
+  void heapUp() {
+    for (int i = 0; i < static_cast<int>(agents_.size()); ++i) {
+      match_.trainer().receive("(agent (unum " + std::to_string(i / 2 + 1) + ")(team " +
+                               (i % 2 == 0 ? "Left" : "Right") + ")(pos " +
+                               std::to_string(0.15 * (i % 4)) + ' ' +
+                               std::to_string(0.15 * (i / 4)) + " 0.4))");
+    }
   }
 
   void cycle(const std::string& message) {
@@ -51,6 +61,11 @@ class Game {
   }
 
  private:
+  static arena::MatchOptions optionsWith(int threads) {
+    arena::MatchOptions options;
+    options.threads = threads;
+    return options;
+  }
   void join(int i) {
     const auto agent = match_.connect();
     agents_.push_back(agent);
@@ -74,7 +89,7 @@ class Game {
 };
 
 void play(benchmark::State& state, bool moving) {
-  Game game(static_cast<int>(state.range(0)));
+  Game game(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
   const std::vector<std::string>& load = movingMessages();
   std::size_t next = 0;
   const auto message = [&]() -> const std::string& {
@@ -94,9 +109,30 @@ void moving(benchmark::State& state) {
   play(state, true);
 }
 
-BENCHMARK(standing)->Arg(1)->Arg(11)->Arg(22)->Unit(benchmark::kMillisecond);
+// Robots that lie on each other are one island: its cost grows with the cube of their number.
+void heap(benchmark::State& state) {
+  Game game(static_cast<int>(state.range(0)), 1);
+  game.heapUp();
+  for (auto _ : state) game.cycle("(syn)");
+}
+
+// Robots, and threads that work on the cycle.
+void robotsAndThreads(benchmark::internal::Benchmark* bench) {
+  bench->ArgNames({"robots", "threads"})->ArgsProduct({{1, 11, 22}, {1, 2}});
+  bench->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+}
+BENCHMARK(standing)->Apply(robotsAndThreads);
 // The whole recording several times, falls and wallowing included.
-BENCHMARK(moving)->Arg(1)->Arg(11)->Arg(22)->Unit(benchmark::kMillisecond)->Iterations(1000);
+BENCHMARK(moving)->Apply(robotsAndThreads)->Iterations(1000);
+
+BENCHMARK(heap)
+    ->ArgName("robots")
+    ->Arg(2)
+    ->Arg(4)
+    ->Arg(8)
+    ->Arg(16)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(25);
 
 }  // namespace
 

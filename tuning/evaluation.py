@@ -192,8 +192,9 @@ def _play(stage: Stage, teams: list[_Team], run: Run, script: str = "") -> dict[
 
 
 def _start_arena(stage: Stage, seed: int, *options: str | Path):  # type: ignore[no-untyped-def]
-    ports = ("--agent-port", "0", "--monitor-port", "0", "--agent-timeout", str(_SILENCE))
-    return stage.start("arena", [paths.programs() / "arena", *ports, "--seed", str(seed), *options])
+    # One thread: there is a run for each core already.
+    usual = ("--agent-port", "0", "--monitor-port", "0", "--agent-timeout", str(_SILENCE), "--threads", "1")
+    return stage.start("arena", [paths.programs() / "arena", *usual, "--seed", str(seed), *options])
 
 
 def _ports(stage: Stage) -> tuple[int, int]:

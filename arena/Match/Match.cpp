@@ -30,6 +30,8 @@ double forwardYaw(Side side) {
 
 Match::Match(const MatchOptions& options)
     : options_(options),
+      workers_(options.threads),
+      world_(options.threads),
       referee_(world_, RefereeOptions{.halfTime = options.halfTime,
                                       .autoKickOff = options.autoKickOff,
                                       .coinToss = options.coinToss,
@@ -52,8 +54,9 @@ void Match::disconnect(AgentId id) {
   if (agent == nullptr) return;
   agent->connected = false;
   // Without a robot there is nothing that must wait for a step, and there may be none for long.
-  if (!agent->built)
+  if (!agent->built) {
     std::erase_if(agents_, [agent](const auto& other) { return other.get() == agent; });
+  }
 }
 
 Match::Agent* Match::find(AgentId id) {
@@ -256,30 +259,31 @@ std::array<std::string, 2> Match::teamNames() const {
 
 void Match::makePercepts() {
   const std::array<std::string, 2> names = teamNames();
-  const double gameTime = referee_.game().time;
-  for (const auto& agent : agents_) {
-    const bool picture = ++agent->cycles % kCyclesPerPicture == 0;
-    const RobotBody* robot = robotOf(*agent);
-    if (!agent->sensing || robot == nullptr) continue;
-    agent->calls = {agent->hearing.spoke(), agent->hearing.heard()};
-    std::string& text = agent->percept;
-    text.clear();
-    writeTime(time_, text);
-    const Shirt shirt{agent->side, agent->number};
-    writeGameState(referee_.game(), agent->announce ? &shirt : nullptr, text);
-    agent->announce = false;
-    agent->hearing.write(names, gameTime, text);
-    writeTorsoSensors(*robot, text);
-    writeJoints(*robot, 0, kHeadJoints, text);
-    if (picture) {
-      const auto self = std::find_if(scene_.robots.begin(), scene_.robots.end(),
-                                     [&](const SceneRobot& r) { return r.handle == agent->id; });
-      agent->vision.write(scene_, static_cast<std::size_t>(self - scene_.robots.begin()), names,
-                          text);
-    }
-    writeJoints(*robot, kHeadJoints, robot->model().joints.size(), text);
-    agent->hearing.nextCycle();
+  // Each touches what is its agent's alone.
+  workers_.run(agents_.size(), [&](std::size_t i) { makePercept(*agents_[i], names); });
+}
+
+void Match::makePercept(Agent& agent, const std::array<std::string, 2>& names) const {
+  const bool picture = ++agent.cycles % kCyclesPerPicture == 0;
+  const RobotBody* robot = robotOf(agent);
+  if (!agent.sensing || robot == nullptr) return;
+  agent.calls = {agent.hearing.spoke(), agent.hearing.heard()};
+  std::string& text = agent.percept;
+  text.clear();
+  writeTime(time_, text);
+  const Shirt shirt{agent.side, agent.number};
+  writeGameState(referee_.game(), agent.announce ? &shirt : nullptr, text);
+  agent.announce = false;
+  agent.hearing.write(names, referee_.game().time, text);
+  writeTorsoSensors(*robot, text);
+  writeJoints(*robot, 0, kHeadJoints, text);
+  if (picture) {
+    const auto self = std::find_if(scene_.robots.begin(), scene_.robots.end(),
+                                   [&](const SceneRobot& r) { return r.handle == agent.id; });
+    agent.vision.write(scene_, static_cast<std::size_t>(self - scene_.robots.begin()), names, text);
   }
+  writeJoints(*robot, kHeadJoints, robot->model().joints.size(), text);
+  agent.hearing.nextCycle();
 }
 
 }  // namespace arena

@@ -12,6 +12,7 @@
 
 #include "Common/Random.h"
 #include "Common/Scene.h"
+#include "Common/Workers.h"
 #include "Match/AgentMessages.h"
 #include "Match/MatchWorld.h"
 #include "Match/Roster.h"
@@ -33,6 +34,9 @@ struct MatchOptions {
   // An agent's pictures are counted from its connection. In lockstep it is chance in which cycle
   // somebody connects; there they are counted from its scene message.
   bool realTime = false;
+  // That work on a cycle side by side, the caller of Match::step among them; at least 1. Percepts
+  // do not depend on their number.
+  int threads = 1;
   std::function<void(const std::string&)> log = [](const std::string&) {};
 };
 
@@ -116,7 +120,7 @@ class Match {
 
   Agent* find(AgentId id);
   const Agent* find(AgentId id) const;
-  RobotBody* robotOf(const Agent& agent) { return world_.physics().robot(agent.id); }
+  RobotBody* robotOf(const Agent& agent) const { return world_.physics().robot(agent.id); }
 
   void say(Agent& agent, const std::string& text);
   void warn(Agent& agent, std::string_view what);
@@ -130,9 +134,11 @@ class Match {
   void changeSides();
   void removeDisconnected();
   void makePercepts();
+  void makePercept(Agent& agent, const std::array<std::string, 2>& names) const;
   std::array<std::string, 2> teamNames() const;
 
   MatchOptions options_;
+  Workers workers_;
   MatchWorld world_;
   Referee referee_;
   Trainer trainer_;

@@ -13,6 +13,8 @@ namespace arena {
 // The physics as referee and trainer see it: robots with sides and numbers.
 class MatchWorld : public RefereeWorld {
  public:
+  explicit MatchWorld(int threads = 1) : physics_(threads) {}
+
   PhysicsWorld& physics() { return physics_; }
   const PhysicsWorld& physics() const { return physics_; }
 

@@ -4,6 +4,7 @@
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/post.hpp>
 #include <csignal>
+#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -17,6 +18,9 @@ constexpr std::chrono::milliseconds kPatience{20};
 constexpr int kMaxEvents = 256;
 // How long nobody is let in after that has failed, by a lack of descriptors say.
 constexpr std::chrono::milliseconds kAcceptPause{100};
+// What a step of the match takes grows with the cube of what lies in one heap. From here on, it is
+// worth a word.
+constexpr std::chrono::seconds kSlowStep{1};
 
 // As in the league's server: while a part of an agent's frame is not sent, those after it are
 // dropped.
@@ -312,10 +316,21 @@ void ArenaServer::cycle() {
   removeEnded();
   handOver();
   sendPercepts();
-  match_.step();
+  stepMatch();
   renewShares();
   sendMonitors();
   if (observer_) observer_(report_);
+}
+
+void ArenaServer::stepMatch() {
+  const Clock::time_point start = Clock::now();
+  match_.step();
+  const std::chrono::duration<double> taken = Clock::now() - start;
+  if (taken < kSlowStep || std::exchange(toldSlowStep_, true)) return;
+  char text[100];
+  std::snprintf(text, sizeof text, "a cycle took %.1f s: many robots lie in one heap",
+                taken.count());
+  log_(text);
 }
 
 void ArenaServer::removeEnded() {

@@ -149,6 +149,7 @@ class ArenaServer {
   void waitForTick();
 
   void cycle();
+  void stepMatch();
   void removeEnded();
   void closeAll();
   // Hands a message to the match.
@@ -172,6 +173,7 @@ class ArenaServer {
   std::function<void()> idler_;
   CycleReport report_;
   long cycles_ = 0;
+  bool toldSlowStep_ = false;
   bool begun_ = false;
   bool stopping_ = false;
   Clock::time_point lastTick_;

@@ -12,6 +12,8 @@
 namespace arena {
 namespace {
 
+// Sharing fewer robots out takes longer than it saves.
+constexpr std::size_t kRobotsWorthThreads = 3;
 constexpr double kWorldCfm = 1e-5;
 constexpr double kContactSurfaceLayer = 0.001;  // m
 constexpr int kMaxContacts = 4;                 // per pair of shapes
@@ -63,10 +65,15 @@ bool isSensor(const GeomTag& tag) {
 
 }  // namespace
 
-PhysicsWorld::PhysicsWorld() {
+PhysicsWorld::PhysicsWorld(int threads) {
+  assert(threads >= 1);
   startEngine();
   world_ = dWorldCreate();
   space_ = dHashSpaceCreate(nullptr);
+  if (threads > 1) {
+    threads_.emplace(threads);
+    order_.emplace(space_);
+  }
   contactGroup_ = dJointGroupCreate(0);
   dWorldSetGravity(world_, 0.0, 0.0, single(-kGravity));
   dWorldSetCFM(world_, single(kWorldCfm));
@@ -93,6 +100,7 @@ PhysicsWorld::PhysicsWorld() {
   dGeomSetData(ball, &ballTag_);
   dGeomSetBody(ball, ball_);
   dGeomSetCategoryBits(ball, kBallBit);
+  if (order_) order_->add(ball, {&ball_, 1});
 }
 
 PhysicsWorld::~PhysicsWorld() {
@@ -135,12 +143,19 @@ void PhysicsWorld::buildGoal(Side side) {
 
 RobotBody& PhysicsWorld::addRobot(RobotHandle handle, int type) {
   assert(robot(handle) == nullptr);
-  robots_.push_back(
-      std::make_unique<RobotBody>(world_, space_, handle, robotModel(type), kRobotStart));
+  robots_.push_back(buildRobot(handle, type));
   return *robots_.back();
 }
 
+std::unique_ptr<RobotBody> PhysicsWorld::buildRobot(RobotHandle handle, int type) {
+  auto robot = std::make_unique<RobotBody>(world_, space_, handle, robotModel(type), kRobotStart);
+  if (order_) order_->add(robot->part(), robot->bodies());
+  return robot;
+}
+
 void PhysicsWorld::removeRobot(RobotHandle handle) {
+  const RobotBody* const gone = robot(handle);
+  if (gone != nullptr && order_) order_->remove(gone->part());
   std::erase_if(robots_, [handle](const auto& robot) { return robot->handle() == handle; });
   // Nothing may be reported about a robot that is gone.
   std::erase_if(ballContacts_, [handle](const BallContact& c) { return c.robot == handle; });
@@ -220,11 +235,20 @@ void PhysicsWorld::step() {
     robot->applyDrag();
   }
   applyBallDrag();
+  if (order_) order_->begin();
   dSpaceCollide(space_, this, &PhysicsWorld::nearCallback);
+  chooseThreads();
   dWorldStep(world_, single(kStepSeconds));
+  if (shared_) order_->end();
   readFootForces();
   dJointGroupEmpty(contactGroup_);
   rescueTheLost();
+}
+
+void PhysicsWorld::chooseThreads() {
+  const bool shared = threads_ && robots_.size() >= kRobotsWorthThreads;
+  if (shared != shared_) threads_->use(world_, shared);
+  shared_ = shared;
 }
 
 // Numbers that have run away, after impossible placements say, would never come back and would
@@ -241,7 +265,8 @@ void PhysicsWorld::rescueTheLost() {
   for (const auto& [handle, type] : lost) {
     const auto old = std::find_if(robots_.begin(), robots_.end(),
                                   [h = handle](const auto& r) { return r->handle() == h; });
-    *old = std::make_unique<RobotBody>(world_, space_, handle, robotModel(type), kRobotStart);
+    if (order_) order_->remove((*old)->part());
+    *old = buildRobot(handle, type);
   }
   if (!isSane(ballPosition()) || !ballVelocity().allFinite()) {
     setBallPosition(kBallStart);
@@ -271,6 +296,11 @@ void PhysicsWorld::collide(dGeomID first, dGeomID second) {
   recordContacts(firstTag, secondTag, contacts.data(), count);
   if (isSensor(firstTag) || isSensor(secondTag)) return;
 
+  const dBodyID firstBody = dGeomGetBody(first);
+  const dBodyID secondBody = dGeomGetBody(second);
+  if (order_ && firstBody != nullptr && secondBody != nullptr) {
+    StepOrder::touch(firstBody, secondBody);
+  }
   const dSurfaceParameters surface =
       mixSurfaces(surfaceOf(firstTag.kind), surfaceOf(secondTag.kind));
   // Feet feel what they stand on or kick against, but not the ball. Between two robots the first of
@@ -283,7 +313,7 @@ void PhysicsWorld::collide(dGeomID first, dGeomID second) {
   for (int i = 0; i < count; ++i) {
     contacts[i].surface = surface;
     const dJointID joint = dJointCreateContact(world_, contactGroup_, &contacts[i]);
-    dJointAttach(joint, dGeomGetBody(first), dGeomGetBody(second));
+    dJointAttach(joint, firstBody, secondBody);
     if (!senses) continue;
     if (pending_.size() == feedbacks_.size()) {
       feedbacks_.push_back(std::make_unique<dJointFeedback>());
@@ -292,7 +322,7 @@ void PhysicsWorld::collide(dGeomID first, dGeomID second) {
     *feedback = {};
     dJointSetFeedback(joint, feedback);
     PendingFootForce pending{
-        tag.robot, tag.body, {}, feedback, dGeomGetBody(firstSenses ? first : second), joint};
+        tag.robot, tag.body, {}, feedback, firstSenses ? firstBody : secondBody, joint};
     std::copy_n(contacts[i].geom.pos, 3, pending.point);
     pending_.push_back(pending);
   }

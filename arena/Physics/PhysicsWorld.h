@@ -5,6 +5,7 @@
 
 #include <Eigen/Geometry>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -13,6 +14,8 @@
 #include "Common/Side.h"
 #include "Physics/GeomTag.h"
 #include "Physics/RobotBody.h"
+#include "Physics/StepOrder.h"
+#include "Physics/StepThreads.h"
 
 namespace arena {
 
@@ -20,7 +23,9 @@ namespace arena {
 // cycle of 20 ms. World frame as in Common/Pitch.h.
 class PhysicsWorld {
  public:
-  PhysicsWorld();
+  // Robots that do not touch are stepped by so many threads side by side. Their number changes
+  // nothing in what comes out. REQUIRES threads >= 1.
+  explicit PhysicsWorld(int threads = 1);
   ~PhysicsWorld();
   PhysicsWorld(const PhysicsWorld&) = delete;
   PhysicsWorld& operator=(const PhysicsWorld&) = delete;
@@ -74,11 +79,16 @@ class PhysicsWorld {
   void collide(dGeomID first, dGeomID second);
   void recordContacts(const GeomTag& first, const GeomTag& second, const dContact* contacts,
                       int count);
+  std::unique_ptr<RobotBody> buildRobot(RobotHandle handle, int type);
+  void chooseThreads();
   void readFootForces();
   void rescueTheLost();
 
+  std::optional<StepThreads> threads_;  // none: the caller steps
+  bool shared_ = false;                 // whether they step now
   dWorldID world_;
   dSpaceID space_;
+  std::optional<StepOrder> order_;  // with threads alone
   dJointGroupID contactGroup_;
   dBodyID ball_;
   GeomTag groundTag_{GeomTag::Kind::Ground};

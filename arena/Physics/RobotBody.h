@@ -5,6 +5,7 @@
 
 #include <Eigen/Geometry>
 #include <array>
+#include <span>
 #include <vector>
 
 #include "Common/Robots.h"
@@ -53,6 +54,10 @@ class RobotBody {
 
   int handle() const { return handle_; }
   const RobotModel& model() const { return model_; }
+  // Its entry in the world's collision space, and the engine's bodies in the order of
+  // model().bodies.
+  dGeomID part() const { return reinterpret_cast<dGeomID>(space_); }
+  std::span<const dBodyID> bodies() const { return bodies_; }
 
   // Index into model().bodies and model().joints.
   Eigen::Isometry3d pose(int body) const;

@@ -43,7 +43,8 @@ TEST(MainTest, ExplainsEveryOption) {
   for (const char* option :
        {"--agent-port", "--monitor-port", "--bind", "--real-time", "--agent-timeout", "--seed",
         "--duration", "--half-time", "--auto-kick-off", "--coin-toss", "--change-sides",
-        "--wait-agents", "--no-noise", "--ground-truth", "--record", "--report", "--quiet"}) {
+        "--wait-agents", "--threads", "--no-noise", "--ground-truth", "--record", "--report",
+        "--quiet"}) {
     EXPECT_NE(outcome.output.find(option), std::string::npos) << option;
   }
 }
@@ -58,7 +59,8 @@ TEST(MainTest, RefusesNumbersThatMakeNoSense) {
        {"--duration nan", "--duration inf", "--duration=-1", "--duration 1e300", "--half-time nan",
         "--half-time 0", "--agent-timeout nan", "--agent-timeout 0", "--agent-timeout 1x",
         "--seed=-1", "--seed 18446744073709551616", "--seed 1e3", "--wait-agents=-1",
-        "--wait-agents 65", "--agent-port 65536", "--monitor-port=-1"}) {
+        "--wait-agents 65", "--threads 0", "--threads 65", "--agent-port 65536",
+        "--monitor-port=-1"}) {
     const Outcome outcome = runArena(std::string(wrong) + " --bind nowhere");
     EXPECT_NE(outcome.status, 0) << wrong;
     EXPECT_NE(outcome.output.find(" is no "), std::string::npos) << outcome.output;

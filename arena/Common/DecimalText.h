@@ -38,8 +38,9 @@ inline void appendFixed(std::string& text, bool negative, std::uint32_t whole, i
   };
   for (int i = 0; i < decimals; ++i) write();
   if (decimals > 0) *--at = '.';
-  do write();
-  while (whole > 0);
+  do {
+    write();
+  } while (whole > 0);
   if (negative) *--at = '-';
   text.append(at, static_cast<std::size_t>(end - at));
 }

@@ -3,12 +3,16 @@
 
 #include <benchmark/benchmark.h>
 
-#include <charconv>
+#include <array>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "Fidelity/Trace.h"
 #include "Match/Match.h"
+#include "Monitor/MonitorStream.h"
+#include "Percepts/Percept.h"
 
 namespace {
 
@@ -51,6 +55,8 @@ class Game {
                                std::to_string(0.15 * (i / 4)) + " 0.4))");
     }
   }
+
+  arena::Match& match() { return match_; }
 
   void cycle(const std::string& message) {
     for (const auto agent : agents_) {
@@ -115,6 +121,61 @@ void heap(benchmark::State& state) {
   game.heapUp();
   for (auto _ : state) game.cycle("(syn)");
 }
+
+// Robots of a game that has been under way for some time.
+Game& movedGame(int robots) {
+  static std::map<int, std::unique_ptr<Game>> games;
+  std::unique_ptr<Game>& game = games[robots];
+  if (!game) {
+    game = std::make_unique<Game>(robots, 1);
+    for (int i = 0; i < kWarmUpCycles; ++i) game->cycle(movingMessages()[i]);
+  }
+  return *game;
+}
+
+// What all agents are sent in a cycle; each of them is sent every third picture.
+void perceptText(benchmark::State& state) {
+  arena::Match& match = movedGame(static_cast<int>(state.range(0))).match();
+  const std::array<std::string, 2> names{"Alpha", "Beta"};
+  const arena::Surroundings surroundings{match.scene(), match.game(), names};
+  const auto& robots = match.world().physics().robots();
+  std::vector<arena::Vision> eyes;
+  for (std::size_t i = 0; i < robots.size(); ++i) {
+    eyes.emplace_back(arena::VisionOptions{}, arena::Random(i, "camera"),
+                      arena::Random(i, "vision"));
+  }
+  const arena::Hearing ears;
+  std::string text;
+  std::size_t cycle = 0;
+  for (auto _ : state) {
+    ++cycle;
+    for (std::size_t i = 0; i < robots.size(); ++i) {
+      text.clear();
+      arena::writePercept(surroundings, *robots[i], nullptr, ears,
+                          (cycle + i) % 3 == 0 ? &eyes[i] : nullptr, text);
+      benchmark::DoNotOptimize(text.data());
+    }
+  }
+}
+BENCHMARK(perceptText)->ArgName("robots")->Arg(22)->Unit(benchmark::kMillisecond);
+
+// What a viewer is sent every other cycle of a game in which everybody moves.
+void monitorText(benchmark::State& state) {
+  Game& game = movedGame(static_cast<int>(state.range(0)));
+  const arena::Match& match = game.match();
+  std::vector<arena::Scene> scenes;
+  for (std::size_t i = 0; i < 20; ++i) {
+    game.cycle(movingMessages()[i]);
+    game.cycle(movingMessages()[i]);
+    scenes.push_back(match.scene());
+  }
+  arena::MonitorStream stream;
+  std::size_t cycle = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(stream.next(scenes[++cycle % scenes.size()], match.game(), {}).size());
+  }
+}
+BENCHMARK(monitorText)->ArgName("robots")->Arg(22)->Unit(benchmark::kMillisecond);
 
 // Robots, and threads that work on the cycle.
 void robotsAndThreads(benchmark::internal::Benchmark* bench) {

@@ -1,10 +1,14 @@
 #include "BenchKit.h"
 
 #include <benchmark/benchmark.h>
+#include <linux/perf_event.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <new>
 #include <string>
@@ -14,10 +18,40 @@ namespace bench {
 long allocations = 0;
 long blocks = 0;
 
-double percentile(std::vector<double>& times, double share) {
-  const auto rank = static_cast<std::size_t>(share * static_cast<double>(times.size() - 1));
-  std::nth_element(times.begin(), times.begin() + static_cast<long>(rank), times.end());
-  return times[rank] * 1e6;
+double percentile(std::vector<double>& values, double share) {
+  const auto rank = static_cast<std::size_t>(share * static_cast<double>(values.size() - 1));
+  std::nth_element(values.begin(), values.begin() + static_cast<long>(rank), values.end());
+  return values[rank];
+}
+
+double percentileMicroseconds(std::vector<double>& times, double share) {
+  return percentile(times, share) * 1e6;
+}
+
+double processorTime() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+InstructionCounter::InstructionCounter() {
+  perf_event_attr what{};
+  what.size = sizeof what;
+  what.type = PERF_TYPE_HARDWARE;
+  what.config = PERF_COUNT_HW_INSTRUCTIONS;
+  what.exclude_kernel = 1;
+  what.exclude_hv = 1;
+  file_ = static_cast<int>(syscall(SYS_perf_event_open, &what, 0, -1, -1, 0));
+}
+
+InstructionCounter::~InstructionCounter() {
+  if (file_ >= 0) close(file_);
+}
+
+std::uint64_t InstructionCounter::read() const {
+  std::uint64_t count = 0;
+  if (::read(file_, &count, sizeof count) != sizeof count) std::abort();
+  return count;
 }
 
 void enterWorkingDirectory(const char* name) {

@@ -83,8 +83,8 @@ void updateFrames(benchmark::State& state, bool withVision) {
     state.SetIterationTime(time);
     if (times.size() < times.capacity()) times.push_back(time);
   }
-  state.counters["median_us"] = bench::percentile(times, 0.5);
-  state.counters["p99_us"] = bench::percentile(times, 0.99);
+  state.counters["median_us"] = bench::percentileMicroseconds(times, 0.5);
+  state.counters["p99_us"] = bench::percentileMicroseconds(times, 0.99);
   state.counters["allocations"] =
       static_cast<double>(allocated) / static_cast<double>(state.iterations());
 }

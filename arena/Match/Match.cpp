@@ -6,8 +6,6 @@
 
 #include "Common/Pitch.h"
 #include "Common/Units.h"
-#include "Percepts/BodyPercepts.h"
-#include "Percepts/GamePercept.h"
 #include "Physics/Constants.h"
 
 namespace arena {
@@ -259,30 +257,21 @@ std::array<std::string, 2> Match::teamNames() const {
 
 void Match::makePercepts() {
   const std::array<std::string, 2> names = teamNames();
+  const Surroundings surroundings{scene_, referee_.game(), names};
   // Each touches what is its agent's alone.
-  workers_.run(agents_.size(), [&](std::size_t i) { makePercept(*agents_[i], names); });
+  workers_.run(agents_.size(), [&](std::size_t i) { makePercept(*agents_[i], surroundings); });
 }
 
-void Match::makePercept(Agent& agent, const std::array<std::string, 2>& names) const {
+void Match::makePercept(Agent& agent, const Surroundings& surroundings) const {
   const bool picture = ++agent.cycles % kCyclesPerPicture == 0;
   const RobotBody* robot = robotOf(agent);
   if (!agent.sensing || robot == nullptr) return;
   agent.calls = {agent.hearing.spoke(), agent.hearing.heard()};
-  std::string& text = agent.percept;
-  text.clear();
-  writeTime(time_, text);
   const Shirt shirt{agent.side, agent.number};
-  writeGameState(referee_.game(), agent.announce ? &shirt : nullptr, text);
+  agent.percept.clear();
+  writePercept(surroundings, *robot, agent.announce ? &shirt : nullptr, agent.hearing,
+               picture ? &agent.vision : nullptr, agent.percept);
   agent.announce = false;
-  agent.hearing.write(names, referee_.game().time, text);
-  writeTorsoSensors(*robot, text);
-  writeJoints(*robot, 0, kHeadJoints, text);
-  if (picture) {
-    const auto self = std::find_if(scene_.robots.begin(), scene_.robots.end(),
-                                   [&](const SceneRobot& r) { return r.handle == agent.id; });
-    agent.vision.write(scene_, static_cast<std::size_t>(self - scene_.robots.begin()), names, text);
-  }
-  writeJoints(*robot, kHeadJoints, robot->model().joints.size(), text);
   agent.hearing.nextCycle();
 }
 

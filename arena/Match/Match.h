@@ -17,6 +17,7 @@
 #include "Match/MatchWorld.h"
 #include "Match/Roster.h"
 #include "Percepts/Hearing.h"
+#include "Percepts/Percept.h"
 #include "Percepts/Vision.h"
 #include "Referee/Referee.h"
 #include "Trainer/Trainer.h"
@@ -134,7 +135,7 @@ class Match {
   void changeSides();
   void removeDisconnected();
   void makePercepts();
-  void makePercept(Agent& agent, const std::array<std::string, 2>& names) const;
+  void makePercept(Agent& agent, const Surroundings& surroundings) const;
   std::array<std::string, 2> teamNames() const;
 
   MatchOptions options_;

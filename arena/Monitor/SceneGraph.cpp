@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "Common/DecimalText.h"
 #include "Common/Pitch.h"
 #include "Referee/Rules.h"
 
@@ -152,10 +153,38 @@ std::string description(const Look& look, const SceneRobot& robot) {
 
 }  // namespace
 
+namespace {
+
+constexpr int kDigits = 6;
+// Here fixed notation is the shorter one, with at most nine decimals.
+constexpr double kLeastFixed = 1e-4;
+constexpr double kMostFixed = 999'999;
+constexpr std::array<double, 10> kPowersOfTen{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+
+// The number of decimals with which a number of that range has six digits that count.
+std::size_t decimalsOf(double size) {
+  std::size_t decimals = 0;
+  while (size * kPowersOfTen[decimals] < kPowersOfTen[kDigits - 1]) ++decimals;
+  return decimals;
+}
+
+}  // namespace
+
 void appendNumber(std::string& text, double number) {
+  const double size = std::abs(number);
+  if (size == 0 || size == 1) {
+    return appendFixed(text, std::signbit(number), static_cast<std::uint32_t>(size), 0);
+  }
+  if (size >= kLeastFixed && size < kMostFixed) {
+    std::size_t decimals = decimalsOf(size);
+    if (auto whole = nearestWhole(size * kPowersOfTen[decimals])) {
+      for (; decimals > 0 && *whole % 10 == 0; --decimals) *whole /= 10;
+      return appendFixed(text, std::signbit(number), *whole, static_cast<int>(decimals));
+    }
+  }
   char digits[32];
   const auto end =
-      std::to_chars(digits, digits + sizeof digits, number, std::chars_format::general, 6);
+      std::to_chars(digits, digits + sizeof digits, number, std::chars_format::general, kDigits);
   text.append(digits, end.ptr);
 }
 

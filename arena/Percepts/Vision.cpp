@@ -19,7 +19,11 @@ constexpr double kDistanceSigma = 0.0965;    // percent of the distance
 constexpr double kHorizontalSigma = 0.1480;  // degrees
 constexpr double kVerticalSigma = 0.1225;    // degrees
 // tan(60 degrees): half the width and height of the window at distance 1.
-constexpr float kWindow = 1.7320508f;
+constexpr double kTanHalfOpening = std::numbers::sqrt3;
+constexpr float kWindow = static_cast<float>(kTanHalfOpening);
+// Whatever is nearer to a limit than this part of its distance is told by its angles: rounding
+// moves them by much less.
+constexpr double kNearLimit = 1e-9;
 
 struct Mark {
   std::string_view name;
@@ -119,9 +123,26 @@ bool inView(const Polar& polar) {
          std::abs(polar.vertical) <= kHalfOpening;
 }
 
+bool pointInView(const Eigen::Vector3d& p) {
+  const double ground = p.x() * p.x() + p.y() * p.y();
+  const double height = p.z() * p.z();
+  // How far inside, and what is too little to tell.
+  const std::array<std::pair<double, double>, 3> limits{{
+      {ground + height - kMinDistance * kMinDistance, ground + height + kMinDistance},
+      {kTanHalfOpening * p.y() - std::abs(p.x()), std::abs(p.x()) + std::abs(p.y())},
+      {kTanHalfOpening * kTanHalfOpening * ground - height, ground + height},
+  }};
+  bool inside = true;
+  for (const auto& [margin, size] : limits) {
+    if (margin < -kNearLimit * size) return false;
+    if (!(margin > kNearLimit * size)) inside = false;
+  }
+  return inside || inView(polarOf(p));
+}
+
 std::optional<std::pair<Eigen::Vector3d, Eigen::Vector3d>> clipLine(const Eigen::Vector3d& begin,
                                                                     const Eigen::Vector3d& end) {
-  if (inView(polarOf(begin)) && inView(polarOf(end))) return std::pair(begin, end);
+  if (pointInView(begin) && pointInView(end)) return std::pair(begin, end);
 
   const Eigen::Vector3f a = begin.cast<float>();
   const Eigen::Vector3f b = end.cast<float>();
@@ -198,12 +219,12 @@ void Vision::writePolar(const Polar& exact, std::string& text) {
 }
 
 bool Vision::writeIfSeen(std::string_view name, const Eigen::Vector3d& world, std::string& text) {
-  const Polar polar = polarOf(toCamera(world));
-  if (!inView(polar)) return false;
+  const Eigen::Vector3d point = toCamera(world);
+  if (!pointInView(point)) return false;
   text += '(';
   text += name;
   text += ' ';
-  writePolar(polar, text);
+  writePolar(polarOf(point), text);
   text += ") ";
   return true;
 }

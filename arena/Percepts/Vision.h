@@ -25,6 +25,8 @@ Polar polarOf(const Eigen::Vector3d& point);
 // Whether a point is in view: farther than 0.1 m and within 60 degrees to each side, up and down.
 // Nothing hides anything and there is no maximum distance.
 bool inView(const Polar& polar);
+// The same of a point in the camera frame, m; takes the angles only where they are near a limit.
+bool pointInView(const Eigen::Vector3d& point);
 
 // The piece of a line that is in view. `begin` and `end` are in the camera frame, m.
 // If both ends are in view they are returned as they are. Otherwise the line is cut with the four

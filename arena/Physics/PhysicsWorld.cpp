@@ -12,8 +12,8 @@
 namespace arena {
 namespace {
 
-// Sharing fewer robots out takes longer than it saves.
-constexpr std::size_t kRobotsWorthThreads = 3;
+// Sharing fewer robots that are awake out takes longer than it saves.
+constexpr std::ptrdiff_t kRobotsWorthThreads = 3;
 constexpr double kWorldCfm = 1e-5;
 constexpr double kContactSurfaceLayer = 0.001;  // m
 constexpr int kMaxContacts = 4;                 // per pair of shapes
@@ -246,7 +246,9 @@ void PhysicsWorld::step() {
 }
 
 void PhysicsWorld::chooseThreads() {
-  const bool shared = threads_ && robots_.size() >= kRobotsWorthThreads;
+  const auto awake = std::count_if(robots_.begin(), robots_.end(),
+                                   [](const auto& robot) { return !robot->asleep(); });
+  const bool shared = threads_ && awake >= kRobotsWorthThreads;
   if (shared != shared_) threads_->use(world_, shared);
   shared_ = shared;
 }

@@ -45,6 +45,7 @@ bool Dribble::execute(Vector target) {
   inIt();
   turn = false;
   FastIC fc(agent->WM);
+  fc.setPlayers();
 
   bool opponentFirst = false;
   for (float nam = kFirstLook; nam < kLookEnd && !opponentFirst;
@@ -56,8 +57,6 @@ bool Dribble::execute(Vector target) {
     Vector ballVel = nextPoint;
     ballVel.setLength(0);
     fc.setTarget(nextPoint, ballVel, 0);
-    // Adds the same players again at every step; twins change no result.
-    fc.setPlayers();
     fc.calculate();
     if (fc.fastest.human.getTeamSide() != (ourSide ? SIDE_LEFT : SIDE_RIGHT)) continue;
 

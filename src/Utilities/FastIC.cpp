@@ -1,7 +1,9 @@
 #include "Utilities/FastIC.h"
 
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 #include "Mathematics/Degree.h"
 #include "WorldModel/Game.h"
@@ -38,6 +40,24 @@ bool isOffThePitch(Vector p) {
 
 bool isInOwnGoalMouth(Vector p) {
   return p.getX() < -14 && p.getY() < 1.2 && p.getY() > -1.2;
+}
+
+// Lists of objects that have ended. A cycle makes a few objects, some of them at the same time, and
+// takes no memory for them after the first ones.
+thread_local std::array<std::vector<FastPlayer>, 4> spareLists;
+
+std::vector<FastPlayer> takeSpareList() {
+  for (std::vector<FastPlayer>& spare : spareLists) {
+    if (spare.capacity() > 0) return std::exchange(spare, {});
+  }
+  return {};
+}
+
+void leaveSpareList(std::vector<FastPlayer>& list) {
+  list.clear();
+  for (std::vector<FastPlayer>& spare : spareLists) {
+    if (spare.capacity() == 0) return spare.swap(list);
+  }
 }
 
 Vector stepTowards(Orientation facing) {
@@ -86,7 +106,12 @@ Orientation orientationFromBearing(double bearing) {
   return EAST;
 }
 
-FastIC::FastIC(WorldModel* world) : WM(world), ourSide(world->ourSide != SIDE_LEFT) {}
+FastIC::FastIC(WorldModel* world)
+    : WM(world), fastPlayers(takeSpareList()), ourSide(world->ourSide != SIDE_LEFT) {}
+
+FastIC::~FastIC() {
+  leaveSpareList(fastPlayers);
+}
 
 TeamSide FastIC::ownTeam() const {
   return ourSide ? SIDE_RIGHT : SIDE_LEFT;
@@ -212,8 +237,8 @@ void FastIC::calculate() {
   isOut = isAlive = isInGoal = fastestOpponentIsAlive = fastestTeammateIsAlive = false;
   Found found;
 
-  std::vector<Runner> runners;
-  runners.reserve(fastPlayers.size());
+  thread_local std::vector<Runner> runners;
+  runners.clear();
   for (const FastPlayer& candidate : fastPlayers) runners.push_back(prepare(candidate));
 
   for (int cycle = 0; cycle <= kLastCycle && !found.all(); ++cycle) {

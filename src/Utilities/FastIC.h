@@ -56,6 +56,12 @@ class FastIC {
  public:
   // `world` is not owned and must outlive the object.
   explicit FastIC(WorldModel* world);
+  // Leaves the memory of the candidates to a later object.
+  ~FastIC();
+  FastIC(const FastIC&) = default;
+  FastIC(FastIC&&) = default;
+  FastIC& operator=(const FastIC&) = default;
+  FastIC& operator=(FastIC&&) = default;
 
   // `pos` in metres, `vel` in metres per step, `decay` the factor on it at each step.
   void setTarget(Vector pos, Vector vel, double decay);

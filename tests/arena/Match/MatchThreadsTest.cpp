@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -44,6 +45,22 @@ class Crowd {
     }
     return outcome_;
   }
+  // All stand about until they sleep; then more and more of them move.
+  Outcome wakeUp() {
+    for (int cycle = 0; cycle < 150; ++cycle) {
+      match_.step();
+      note();
+    }
+    asleep_ = sleepers();
+    for (int cycle = 0; cycle < 60; ++cycle) {
+      for (int i = 0; i < std::min(22, cycle / 5); ++i) act(agents_[i], cycle);
+      match_.step();
+      note();
+    }
+    return outcome_;
+  }
+  // Before the first one moved.
+  long asleep() const { return asleep_; }
 
  private:
   static MatchOptions optionsWith(int threads) {
@@ -81,6 +98,11 @@ class Crowd {
                               ")(rle4 " + std::to_string(-4 * swing) + ")(say c" +
                               std::to_string(cycle) + ")");
   }
+  long sleepers() {
+    const auto& robots = match_.world().physics().robots();
+    return std::count_if(robots.begin(), robots.end(),
+                         [](const auto& robot) { return robot->asleep(); });
+  }
   void note() {
     outcome_.contacts += match_.world().robotContacts().size();
     std::string sent = monitor_.next(match_.scene(), match_.game(), {});
@@ -92,6 +114,7 @@ class Crowd {
   MonitorStream monitor_;
   std::vector<Match::AgentId> agents_;
   Outcome outcome_;
+  long asleep_ = 0;
 };
 
 TEST(MatchThreadsTest, ACrowdMovesTheSameWithAnyNumberOfThreads) {
@@ -101,6 +124,18 @@ TEST(MatchThreadsTest, ACrowdMovesTheSameWithAnyNumberOfThreads) {
   EXPECT_NE(alone.hash, Crowd(1).play(kCycles - 1).hash);
   for (const int threads : {2, 3, 8}) {
     const Crowd::Outcome shared = Crowd(threads).play(kCycles);
+    EXPECT_EQ(shared.hash, alone.hash) << threads << " threads";
+    EXPECT_EQ(shared.contacts, alone.contacts) << threads << " threads";
+  }
+}
+
+// Few robots that are awake are stepped by one thread, whatever the number of threads.
+TEST(MatchThreadsTest, ACrowdWakesUpTheSameWithAnyNumberOfThreads) {
+  Crowd one(1);
+  const Crowd::Outcome alone = one.wakeUp();
+  EXPECT_GE(one.asleep(), 20);
+  for (const int threads : {2, 3, 8}) {
+    const Crowd::Outcome shared = Crowd(threads).wakeUp();
     EXPECT_EQ(shared.hash, alone.hash) << threads << " threads";
     EXPECT_EQ(shared.contacts, alone.contacts) << threads << " threads";
   }

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
+#include <random>
+
 #include "arena/Support/FakeWorld.h"
 #include "arena/Support/ViewerReader.h"
 
@@ -310,6 +314,30 @@ TEST(MonitorStreamAppendNumberTest, WritesUpToSixSignificantDigits) {
     std::string out;
     appendNumber(out, value);
     EXPECT_EQ(out, text);
+  }
+}
+
+TEST(MonitorStreamAppendNumberTest, AgreesWithTheCLibraryOnManyNumbers) {
+  const auto agrees = [](double value) {
+    std::string out;
+    appendNumber(out, value);
+    char printed[32];
+    std::snprintf(printed, sizeof printed, "%g", value);
+    return testing::AssertionResult(out == printed) << out << " instead of " << printed;
+  };
+  std::mt19937 engine(1);
+  std::uniform_real_distribution<double> uniform(-1.0, 1.0);
+  for (int i = 0; i < 200000; ++i) {
+    const double value = uniform(engine) * std::pow(10.0, i % 13 - 5);
+    ASSERT_TRUE(agrees(value));
+    ASSERT_TRUE(agrees(static_cast<double>(static_cast<float>(value))));
+    // Ties, and powers of ten from both sides.
+    ASSERT_TRUE(agrees((i + 0.5) / 8));
+    const double power = std::pow(10.0, i % 13 - 5);
+    ASSERT_TRUE(agrees(power * (1 + uniform(engine) * std::pow(10.0, -(i % 17)))));
+  }
+  for (const double value : {-0.0, -1.0, 999999.0, 999999.4999, 999999.5, 1e-4, 99999.95, 2.5e-5}) {
+    ASSERT_TRUE(agrees(value));
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <random>
 #include <regex>
 #include <vector>
 
@@ -72,6 +73,36 @@ TEST(VisionPolarTest, IsInViewWithinSixtyDegreesAndBeyondTenCentimetres) {
   EXPECT_FALSE(inView({5.0, 60.01, 0.0}));
   EXPECT_FALSE(inView({5.0, 0.0, -60.01}));
   EXPECT_TRUE(inView({1000.0, 0.0, 0.0}));
+}
+
+TEST(VisionPolarTest, TellsOfAPointWhatItsAnglesTell) {
+  std::mt19937 engine(1);
+  std::uniform_real_distribution<double> uniform(-1.0, 1.0);
+  const auto agrees = [](const Eigen::Vector3d& point) {
+    return pointInView(point) == inView(polarOf(point));
+  };
+  int seen = 0;
+  for (int i = 0; i < 100000; ++i) {
+    const Eigen::Vector3d point =
+        Eigen::Vector3d(uniform(engine), uniform(engine), uniform(engine)) *
+        std::pow(10.0, i % 4 - 1);
+    ASSERT_TRUE(agrees(point)) << point.transpose();
+    if (pointInView(point)) ++seen;
+    // At the limits and by some last digits beside them.
+    const double beside = 1.0 + uniform(engine) * std::pow(10.0, -(i % 16));
+    const double y = std::abs(point.y());
+    const double right = std::numbers::sqrt3 * y * beside;
+    for (const double x : {right, -right}) {
+      const double up = std::sqrt(3.0) * std::hypot(x / 2, y) * beside;
+      ASSERT_TRUE(agrees({x, y, point.z()})) << point.transpose() << ' ' << beside;
+      ASSERT_TRUE(agrees({x / 2, y, up})) << point.transpose() << ' ' << beside;
+      ASSERT_TRUE(agrees({x / 2, y, -up})) << point.transpose() << ' ' << beside;
+    }
+    ASSERT_TRUE(agrees(point.normalized() * 0.1 * beside));
+  }
+  EXPECT_GT(seen, 10000);
+  EXPECT_LT(seen, 90000);
+  EXPECT_TRUE(agrees(Eigen::Vector3d::Zero()));
 }
 
 TEST_F(VisionTest, ReportsWhatIsAheadInTheFixedOrder) {

@@ -64,7 +64,7 @@ export class App {
 
   constructor(
     private readonly film: Film,
-    send?: (command: Command) => void,
+    { opening = film.first, send }: { opening?: number; send?: (command: Command) => void },
   ) {
     const { index } = film;
     document.title = `${index.title} – match`;
@@ -85,6 +85,7 @@ export class App {
     this.keys = this.makeKeys();
     this.wire();
     this.setTheme(this.preferredTheme());
+    this.seek(opening);
     if (index.live) this.toPresent();
     this.exposeState();
     requestAnimationFrame((now) => this.frame(now, now));

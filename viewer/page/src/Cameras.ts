@@ -72,7 +72,7 @@ export class Cameras {
   // Where the whole pitch is seen from the main stand.
   home(): void {
     const narrow = Math.max(1, 1.78 / this.camera.aspect);
-    const away = this.pitch.length * 0.93 * narrow;
+    const away = this.pitch.length * 1.05 * narrow;
     this.camera.position.set(0, -away * 0.8, away * 0.6);
     this.controls.target.set(0, -1.2, 0);
     this.controls.update();

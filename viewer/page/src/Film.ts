@@ -67,11 +67,15 @@ export class Film {
     return cycles[cycle - chunk.first];
   }
 
-  // The same, waiting for it.
-  async load(cycle: number): Promise<Cycle | undefined> {
-    const chunk = this.chunkOf(cycle);
-    if (chunk) await this.fetch(chunk.number);
-    return this.at(cycle);
+  // Where a film opens: a match begins with an empty pitch that robots come to, so at the first
+  // cycle with as many of them as the first chunk ends with; undefined if it cannot be had.
+  async opening(): Promise<number | undefined> {
+    const chunk = this.chunkOf(this.first);
+    if (!chunk) return undefined;
+    await this.fetch(chunk.number);
+    const cycles = this.unpacked.get(chunk.number);
+    const all = cycles?.at(-1)?.robots.length;
+    return cycles && chunk.first + cycles.findIndex(({ robots }) => robots.length === all);
   }
 
   // Sends for what comes next, so that playing does not wait.

@@ -10,9 +10,9 @@ function fail(error: unknown): void {
 }
 
 async function showRecorded(film: Film): Promise<void> {
-  const first = await film.load(film.first);
-  if (!first) throw new Error(film.failures[0] ?? "The recording holds nothing.");
-  new App(film);
+  const opening = await film.opening();
+  if (opening === undefined) throw new Error(film.failures[0] ?? "The recording holds nothing.");
+  new App(film, { opening });
 }
 
 function showLive(): void {
@@ -23,7 +23,7 @@ function showLive(): void {
       app?.stop();
       film = new Film(checkIndex(index), new ServerSource());
       live.attach(film);
-      app = new App(film, (command) => live.send(command));
+      app = new App(film, { send: (command) => live.send(command) });
     },
     changed: () => app?.grown(),
     status(connected, text) {

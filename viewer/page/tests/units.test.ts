@@ -4,7 +4,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { deflateSync } from "node:zlib";
 
-import { ByteReader, inflate, readChunk } from "../src/Chunk.ts";
+import { ByteReader, inflate, readChunk, type Cycle } from "../src/Chunk.ts";
 import { Film, fromBase64, type Source } from "../src/Film.ts";
 import type { FilmIndex, RobotModel } from "../src/Index.ts";
 import { between, headingOf, rotate, Skeleton } from "../src/Kinematics.ts";
@@ -131,26 +131,35 @@ function index(chunks: number): FilmIndex {
   };
 }
 
+const packed = (bytes: Uint8Array): Uint8Array<ArrayBuffer> => new Uint8Array(deflateSync(bytes));
+
 class CountingSource implements Source {
   asked: number[] = [];
   chunk(number: number): Promise<Uint8Array<ArrayBuffer>> {
     this.asked.push(number);
     if (number === 7) return Promise.reject(new Error("gone"));
-    return Promise.resolve(new Uint8Array(deflateSync(chunk(number * 10, 10))));
+    return Promise.resolve(packed(chunk(number * 10, 10)));
   }
   mind(): Promise<Uint8Array<ArrayBuffer>> {
     return Promise.reject(new Error("none"));
   }
 }
 
+// The cycle, when it has come.
+async function load(film: Film, cycle: number): Promise<Cycle | undefined> {
+  const come = new Promise<void>((resolve) => (film.onChange = resolve));
+  if (!film.at(cycle)) await come;
+  return film.at(cycle);
+}
+
 test("a film unpacks what is looked at, once, and forgets what is far", async () => {
   const source = new CountingSource();
   const film = new Film(index(60), source);
   assert.equal(film.at(25), undefined);
-  near((await film.load(25))?.robots[0]?.pose[0], 2.5);
+  near((await load(film, 25))?.robots[0]?.pose[0], 2.5);
   near(film.at(29)?.robots[0]?.pose[0], 2.9);
   assert.deepEqual(source.asked, [2]);
-  for (let i = 10; i < 60; ++i) await film.load(i * 10);
+  for (let i = 10; i < 60; ++i) await load(film, i * 10);
   assert.equal(film.at(25), undefined);
   assert.equal(film.chunkOf(600), undefined);
 });
@@ -158,11 +167,23 @@ test("a film unpacks what is looked at, once, and forgets what is far", async ()
 test("a chunk that cannot be had is told of and not asked for again", async () => {
   const source = new CountingSource();
   const film = new Film(index(10), source);
-  await film.load(70);
+  await load(film, 70);
   film.at(70);
   film.at(71);
   assert.deepEqual(film.failures, ["gone"]);
   assert.deepEqual(source.asked, [7]);
+});
+
+test("a film opens where its robots have come", async () => {
+  const opening = (chunk: () => Promise<Uint8Array<ArrayBuffer>>): Promise<number | undefined> =>
+    new Film(index(1), { chunk, mind: () => Promise.reject(new Error("none")) }).opening();
+  const empty = [67, 0, 0, 0, 0, 3, 1, 0, 2, ...Array<number>(7).fill(0)];
+  const bytes = (...parts: Iterable<number>[]): (() => Promise<Uint8Array<ArrayBuffer>>) => () =>
+    Promise.resolve(packed(new Uint8Array(parts.flatMap((part) => [...part]))));
+  assert.equal(await opening(bytes(empty, empty, chunk(0, 3))), 2);
+  assert.equal(await opening(bytes(empty, empty)), 0);
+  assert.equal(await opening(bytes(chunk(0, 3))), 0);
+  assert.equal(await opening(bytes([88])), undefined);
 });
 
 test("a live film grows", () => {

@@ -23,6 +23,9 @@ using Tcp = asio::ip::tcp;
 
 // The handshake of OurPlayer::run: scene, init and ten beams.
 constexpr int kBeams = 10;
+// A team's numbers go from 1 to this; the types of robots from 0 to below this.
+constexpr int kPlayers = 11;
+constexpr int kTypes = 5;
 // Frames beyond the record, for a decision that asks for more than was given; it is not watched.
 constexpr int kSpareFrames = 16;
 constexpr std::uint32_t kLongestAnswer = 1 << 20;
@@ -161,7 +164,9 @@ PlayerIdentity identityOf(const std::vector<std::string>& answers) {
         identity.team = std::string(term.find("teamname").child(1).text());
       }
     }
-    if (scene && identity.number > 0 && !identity.team.empty()) return identity;
+    const bool known = identity.number >= 1 && identity.number <= kPlayers &&
+                       identity.type >= 0 && identity.type < kTypes && !identity.team.empty();
+    if (scene && known) return identity;
   }
   throw std::runtime_error("the record does not tell who the player was");
 }

@@ -1,7 +1,7 @@
 // Opens the film that the page holds, or that of the server that it came from.
 
 import { App, cover } from "./App.ts";
-import { Film, PageSource, ServerSource } from "./Film.ts";
+import { Film, KeptSource, PageSource, ServerSource } from "./Film.ts";
 import { checkIndex, type FilmIndex } from "./Index.ts";
 import { Live } from "./Live.ts";
 
@@ -21,7 +21,7 @@ function showLive(): void {
   const live = new Live({
     film(index: FilmIndex) {
       app?.stop();
-      film = new Film(checkIndex(index), new ServerSource());
+      film = new Film(checkIndex(index), new KeptSource(new ServerSource()));
       live.attach(film);
       app = new App(film, { send: (command) => live.send(command) });
     },

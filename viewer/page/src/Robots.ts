@@ -31,6 +31,8 @@ const kParts: Part[] = [
   { bodies: ["head"], shape: "ball", paint: "white", size: [0.065, 0.065, 0.062] },
   { bodies: ["head"], shape: "ball", paint: "dark", size: [0.046, 0.03, 0.026], at: [0, 0.044, 0.004] },
   { bodies: ["head"], shape: "box", paint: "team", size: [0.134, 0.04, 0.04], at: [0, 0, 0] },
+  // A cap, by which teams are told apart from above.
+  { bodies: ["head"], shape: "ball", paint: "team", size: [0.05, 0.05, 0.028], at: [0, -0.006, 0.044] },
   { bodies: ["rupperarm", "lupperarm"], shape: "box", paint: "white", grow: [-0.012, 0.016, -0.004] },
   { bodies: ["relbow", "lelbow"], shape: "ball", paint: "dark", size: [0.026, 0.026, 0.026] },
   { bodies: ["rlowerarm", "llowerarm"], shape: "box", paint: "team", grow: [0, -0.02, 0] },

@@ -5,7 +5,7 @@ import { test } from "node:test";
 import { deflateSync } from "node:zlib";
 
 import { ByteReader, inflate, readChunk, type Cycle } from "../src/Chunk.ts";
-import { Film, fromBase64, type Source } from "../src/Film.ts";
+import { Film, fromBase64, KeptSource, type Source } from "../src/Film.ts";
 import type { FilmIndex, RobotModel } from "../src/Index.ts";
 import { between, headingOf, rotate, Skeleton } from "../src/Kinematics.ts";
 import { Mind } from "../src/Mind.ts";
@@ -193,6 +193,40 @@ test("a live film grows", () => {
   near(film.at(10)?.time, 0.2);
   film.addChunk({ number: 1, first: 10, cycles: 10, time: 0.2 });
   assert.equal(film.chunkOf(12)?.number, 1);
+});
+
+test("a live film has what it has seen when its source is gone", async () => {
+  const source = new CountingSource();
+  const kept = new KeptSource(source);
+  const film = new Film(index(1), kept);
+  film.addChunk({ number: 1, first: 10, cycles: 10, time: 0.2 });
+  film.addChunk({ number: 7, first: 70, cycles: 10, time: 1.4 });
+  assert.deepEqual(source.asked, [1, 7]);
+  source.chunk = () => Promise.reject(new Error("no answer"));
+  near((await load(film, 15))?.robots[0]?.pose[0], 1.5);
+  await assert.rejects(kept.chunk(0), /no answer/);
+  await assert.rejects(kept.chunk(7), /no answer/); // it could not be kept
+});
+
+test("what is damaged anywhere is read or refused, and fast", () => {
+  const whole = chunk(3, 40);
+  let seed = 7;
+  const random = (below: number): number => (seed = (seed * 48271) % 0x7fffffff) % below;
+  let refused = 0;
+  for (let i = 0; i < 3000; ++i) {
+    const bytes = whole.slice(0, 1 + random(whole.length));
+    for (let flips = random(4); flips >= 0; --flips) bytes[random(bytes.length)] = random(256);
+    try {
+      for (const { robots, ball } of readChunk(bytes)) {
+        assert.ok(robots.length <= 64 && ball.every(Number.isFinite));
+        for (const { pose } of robots) assert.ok(pose.every(Number.isFinite));
+      }
+    } catch (error) {
+      assert.match(String(error), /film is damaged/);
+      ++refused;
+    }
+  }
+  assert.ok(refused > 1000);
 });
 
 test("playing, stepping, speeds and the ends", () => {

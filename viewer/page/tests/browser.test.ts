@@ -145,6 +145,17 @@ test("timeline, keys and buttons move in time; a screen reader finds them", asyn
     await page.keyboard.press(key);
     assert.equal(await page.evaluate(() => window.viewer.camera()), camera);
   }
+  // A button or a list that the pointer has used does not keep the keys for itself.
+  await page.getByRole("button", { name: "Ball trail" }).click();
+  await page.keyboard.press(".");
+  const paused = await position();
+  await page.keyboard.press(" ");
+  await page.waitForFunction((from) => window.viewer.position() > from, paused);
+  await page.locator("#camera").dispatchEvent("pointerdown");
+  await page.locator("#camera").focus();
+  await page.locator("#camera").selectOption("orbit");
+  await page.keyboard.press(".");
+  assert.equal(await page.evaluate(() => window.viewer.playing()), false);
   await page.keyboard.press("?");
   assert.ok(await page.getByRole("dialog", { name: "Help" }).isVisible());
   await page.keyboard.press("Escape");

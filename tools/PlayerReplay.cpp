@@ -15,6 +15,7 @@
 
 #include "Wire/Frame.h"
 #include "Wire/SExpression.h"
+#include "WorldModel/Game.h"
 
 namespace {
 
@@ -23,8 +24,7 @@ using Tcp = asio::ip::tcp;
 
 // The handshake of OurPlayer::run: scene, init and ten beams.
 constexpr int kBeams = 10;
-// A team's numbers go from 1 to this; the types of robots from 0 to below this.
-constexpr int kPlayers = 11;
+// The types of robots go from 0 to below this.
 constexpr int kTypes = 5;
 // Frames beyond the record, for a decision that asks for more than was given; it is not watched.
 constexpr int kSpareFrames = 16;

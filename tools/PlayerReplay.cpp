@@ -164,8 +164,8 @@ PlayerIdentity identityOf(const std::vector<std::string>& answers) {
         identity.team = std::string(term.find("teamname").child(1).text());
       }
     }
-    const bool known = identity.number >= 1 && identity.number <= kPlayers &&
-                       identity.type >= 0 && identity.type < kTypes && !identity.team.empty();
+    const bool known = identity.number >= 1 && identity.number <= kPlayers && identity.type >= 0 &&
+                       identity.type < kTypes && !identity.team.empty();
     if (scene && known) return identity;
   }
   throw std::runtime_error("the record does not tell who the player was");

@@ -22,8 +22,9 @@ TEST(PlayerReplayTest, NobodyHasANumberOrATypeThatDoesNotExist) {
         "(init (unum -3)(teamname Quolnaris))", "(init (unum 9))", "(init", "", "nonsense"}) {
     EXPECT_THROW(identityOf({kScene, init}), std::runtime_error) << init;
   }
-  EXPECT_THROW(identityOf({"(scene rsg/agent/nao/nao_hetero.rsg 5)", "(init (unum 9)(teamname A))"}),
-               std::runtime_error);
+  EXPECT_THROW(
+      identityOf({"(scene rsg/agent/nao/nao_hetero.rsg 5)", "(init (unum 9)(teamname A))"}),
+      std::runtime_error);
   EXPECT_THROW(identityOf({"(init (unum 9)(teamname A))"}), std::runtime_error);
   EXPECT_THROW(identityOf({}), std::runtime_error);
 }

@@ -189,7 +189,8 @@ TEST_F(WebServerTest, TellsWhereItCannotListen) {
     }
   };
   const std::string port = std::to_string(server.port());
-  EXPECT_THAT(refusal("127.0.0.1"), testing::StartsWith("cannot listen at 127.0.0.1, port " + port));
+  EXPECT_THAT(refusal("127.0.0.1"),
+              testing::StartsWith("cannot listen at 127.0.0.1, port " + port));
   EXPECT_EQ(refusal("300.1.1.1"), "'300.1.1.1' is no address to listen at");
 }
 

@@ -120,6 +120,7 @@ OurPlayer& makePlayer(const PlayerIdentity& identity, int port) {
                                     "--type",
                                     std::to_string(identity.type)};
   std::vector<char*> arguments;
+  arguments.reserve(words.size());
   for (std::string& word : words) arguments.push_back(word.data());
   players.push_back(new OurPlayer(static_cast<int>(arguments.size()), arguments.data()));
   players.back()->publish();

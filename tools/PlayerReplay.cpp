@@ -15,6 +15,7 @@
 
 #include "Wire/Frame.h"
 #include "Wire/SExpression.h"
+#include "WorldModel/Game.h"
 
 namespace {
 
@@ -23,6 +24,8 @@ using Tcp = asio::ip::tcp;
 
 // The handshake of OurPlayer::run: scene, init and ten beams.
 constexpr int kBeams = 10;
+// The types of robots go from 0 to below this.
+constexpr int kTypes = 5;
 // Frames beyond the record, for a decision that asks for more than was given; it is not watched.
 constexpr int kSpareFrames = 16;
 constexpr std::uint32_t kLongestAnswer = 1 << 20;
@@ -117,6 +120,7 @@ OurPlayer& makePlayer(const PlayerIdentity& identity, int port) {
                                     "--type",
                                     std::to_string(identity.type)};
   std::vector<char*> arguments;
+  arguments.reserve(words.size());
   for (std::string& word : words) arguments.push_back(word.data());
   players.push_back(new OurPlayer(static_cast<int>(arguments.size()), arguments.data()));
   players.back()->publish();
@@ -161,7 +165,9 @@ PlayerIdentity identityOf(const std::vector<std::string>& answers) {
         identity.team = std::string(term.find("teamname").child(1).text());
       }
     }
-    if (scene && identity.number > 0 && !identity.team.empty()) return identity;
+    const bool known = identity.number >= 1 && identity.number <= kPlayers && identity.type >= 0 &&
+                       identity.type < kTypes && !identity.team.empty();
+    if (scene && known) return identity;
   }
   throw std::runtime_error("the record does not tell who the player was");
 }

@@ -10,8 +10,8 @@
 // Who a recorded player was, as its first two messages tell it.
 struct PlayerIdentity {
   std::string team;
-  int number = 0;
-  int type = 0;
+  int number = 0;  // 1 to 11
+  int type = 0;    // 0 to 4
 };
 
 // Reads it from what the player answered. Throws std::runtime_error if that is no player's talk.

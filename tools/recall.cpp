@@ -117,8 +117,8 @@ std::string verdict(std::size_t difference, std::size_t compared) {
   if (difference == compared) {
     return "All " + std::to_string(compared) + " answers are those of the record, byte for byte.";
   }
-  return "The answers differ from the record's from the " + std::to_string(difference + 1) +
-         "th of " + std::to_string(compared) +
+  return "The answers differ from the record's from answer " + std::to_string(difference + 1) +
+         " of " + std::to_string(compared) +
          " on: another player or configuration played then, and what follows was not believed so.";
 }
 

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <deque>
 #include <set>
+#include <stdexcept>
 
 namespace viewer {
 
@@ -53,6 +54,18 @@ std::string_view nameOfHost(std::string_view host) {
   return host.substr(0, host.find(':'));
 }
 
+Tcp::acceptor acceptorAt(asio::io_context& io, const std::string& bind, unsigned short port) {
+  beast::error_code error;
+  const asio::ip::address address = asio::ip::make_address(bind, error);
+  if (error) throw std::runtime_error("'" + bind + "' is no address to listen at");
+  try {
+    return Tcp::acceptor(io, Tcp::endpoint(address, port));
+  } catch (const beast::system_error& failure) {
+    throw std::runtime_error("cannot listen at " + bind + ", port " + std::to_string(port) + ": " +
+                             failure.code().message() + "; --port 0 takes any free one");
+  }
+}
+
 }  // namespace
 
 class WebServer::Core : public std::enable_shared_from_this<Core> {
@@ -63,7 +76,7 @@ class WebServer::Core : public std::enable_shared_from_this<Core> {
   Core(asio::io_context& io, const Options& options, Callbacks callbacks)
       : names_(options.hostNames),
         callbacks_(std::move(callbacks)),
-        acceptor_(io, Tcp::endpoint(asio::ip::make_address(options.bind), options.port)),
+        acceptor_(acceptorAt(io, options.bind, options.port)),
         pause_(io) {}
 
   void accept();

@@ -42,7 +42,7 @@ class WebServer {
     std::function<void(std::string_view text)> receive;
   };
 
-  // Opens the port. Throws boost::system::system_error if that fails.
+  // Opens the port. Throws std::runtime_error if that fails.
   WebServer(boost::asio::io_context& io, const Options& options, Callbacks callbacks);
   ~WebServer();
 

@@ -73,7 +73,7 @@ TEST_F(RecallTest, AnotherConfigurationIsFoundOut) {
   std::ofstream(directory.path() / "Other" / "Formation.conf", std::ios::app)
       << "\n[Beam]\np9 = -3 3 0\n";
   EXPECT_EQ(recall({"--player", "left/9", "--configs", "Other"}).code, 2);
-  EXPECT_NE(told.find("differ"), std::string::npos) << told;
+  EXPECT_NE(told.find("differ from the record's from answer "), std::string::npos) << told;
 }
 
 TEST_F(RecallTest, SaysWhatIsMissing) {

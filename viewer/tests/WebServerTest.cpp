@@ -1,5 +1,6 @@
 #include "WebServer.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <boost/asio/ip/tcp.hpp>
@@ -176,6 +177,21 @@ TEST_F(WebServerTest, ManyConnectionsAreBounded) {
   crowd.clear();
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   EXPECT_TRUE(isStatus(get("/film", host), "200"));
+}
+
+TEST_F(WebServerTest, TellsWhereItCannotListen) {
+  const auto refusal = [this](const std::string& bind) {
+    try {
+      WebServer other(client, {bind, server.port(), {}}, {});
+      return std::string("none");
+    } catch (const std::runtime_error& error) {
+      return std::string(error.what());
+    }
+  };
+  const std::string port = std::to_string(server.port());
+  EXPECT_THAT(refusal("127.0.0.1"),
+              testing::StartsWith("cannot listen at 127.0.0.1, port " + port));
+  EXPECT_EQ(refusal("300.1.1.1"), "'300.1.1.1' is no address to listen at");
 }
 
 TEST(PageTest, Base64IsThatOfTheStandard) {

@@ -64,7 +64,7 @@ export class App {
 
   constructor(
     private readonly film: Film,
-    send?: (command: Command) => void,
+    { opening = film.first, send }: { opening?: number; send?: (command: Command) => void },
   ) {
     const { index } = film;
     document.title = `${index.title} – match`;
@@ -85,6 +85,7 @@ export class App {
     this.keys = this.makeKeys();
     this.wire();
     this.setTheme(this.preferredTheme());
+    this.seek(opening);
     if (index.live) this.toPresent();
     this.exposeState();
     requestAnimationFrame((now) => this.frame(now, now));
@@ -159,6 +160,7 @@ export class App {
     });
 
     window.addEventListener("keydown", (event) => onKey(event, this.keys), { signal });
+    this.wireFocus();
     this.sizes = new ResizeObserver(() => {
       this.view.resize();
       this.timelineStale = true;
@@ -167,6 +169,21 @@ export class App {
     this.sizes.observe(element("stage"));
     this.listen("view", "dblclick", (event) => this.pick(event));
     this.wireDrag();
+  }
+
+  // Who has used a button or a list with the pointer goes on with the page's keys; who uses the
+  // keyboard stays where it was.
+  private wireFocus(): void {
+    const { signal } = this.abort;
+    let pointed = false;
+    const byPointer = (now: boolean) => (): void => void (pointed = now);
+    window.addEventListener("pointerdown", byPointer(true), { capture: true, signal });
+    window.addEventListener("keydown", byPointer(false), { capture: true, signal });
+    const leave = ({ target }: Event): void => {
+      if (pointed && target instanceof Element) target.closest<HTMLElement>("button, select")?.blur();
+    };
+    window.addEventListener("click", (event) => !(event.target instanceof HTMLSelectElement) && leave(event), { signal });
+    window.addEventListener("change", leave, { signal });
   }
 
   private makeKeys(): Key[] {

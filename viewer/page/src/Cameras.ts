@@ -36,7 +36,7 @@ export class Cameras {
     this.controls = new OrbitControls(this.camera, canvas);
     this.controls.maxPolarAngle = Math.PI * 0.495;
     this.controls.minDistance = 0.4;
-    this.controls.maxDistance = 70;
+    this.controls.maxDistance = 120;
     this.controls.zoomToCursor = true;
     this.controls.addEventListener("change", onChange);
     this.home();
@@ -69,12 +69,20 @@ export class Cameras {
     if (this.chosen === "orbit") this.home();
   }
 
-  // Where the whole pitch is seen from the main stand.
+  // Where the whole pitch is seen: from the main stand, or on an upright screen from behind a goal.
   home(): void {
-    const narrow = Math.max(1, 1.78 / this.camera.aspect);
-    const away = this.pitch.length * 0.93 * narrow;
-    this.camera.position.set(0, -away * 0.8, away * 0.6);
-    this.controls.target.set(0, -1.2, 0);
+    const { aspect } = this.camera;
+    const { length, width } = this.pitch;
+    if (aspect < 1) {
+      const halfView = Math.tan((kNormalView * Math.PI) / 360) * aspect;
+      const away = (width * 0.53) / halfView + length * 0.35;
+      this.camera.position.set(-away * 0.7, 0, away * 0.7);
+      this.controls.target.set(-1, 0, 0);
+    } else {
+      const away = length * 1.05 * Math.max(1, 1.78 / aspect);
+      this.camera.position.set(0, -away * 0.8, away * 0.6);
+      this.controls.target.set(0, -1.2, 0);
+    }
     this.controls.update();
   }
 

@@ -7,6 +7,7 @@ import type { ChunkEntry, FilmIndex, Mark } from "./Index.ts";
 export interface Source {
   chunk(number: number): Promise<Uint8Array<ArrayBuffer>>;
   mind(player: string): Promise<Uint8Array<ArrayBuffer>>;
+  keep?(number: number): void; // fetches a chunk in advance, for when the source has gone
 }
 
 const kKeptChunks = 24; // unpacked, two minutes
@@ -67,11 +68,15 @@ export class Film {
     return cycles[cycle - chunk.first];
   }
 
-  // The same, waiting for it.
-  async load(cycle: number): Promise<Cycle | undefined> {
-    const chunk = this.chunkOf(cycle);
-    if (chunk) await this.fetch(chunk.number);
-    return this.at(cycle);
+  // Where a film opens: a match begins with an empty pitch that robots come to, so at the first
+  // cycle with as many of them as the first chunk ends with; undefined if it cannot be had.
+  async opening(): Promise<number | undefined> {
+    const chunk = this.chunkOf(this.first);
+    if (!chunk) return undefined;
+    await this.fetch(chunk.number);
+    const cycles = this.unpacked.get(chunk.number);
+    const all = cycles?.at(-1)?.robots.length;
+    return cycles && chunk.first + cycles.findIndex(({ robots }) => robots.length === all);
   }
 
   // Sends for what comes next, so that playing does not wait.
@@ -117,6 +122,7 @@ export class Film {
   addChunk(chunk: ChunkEntry): void {
     if (this.index.chunks.some((known) => known.number === chunk.number)) return;
     this.index.chunks.push(chunk);
+    this.source.keep?.(chunk.number);
     // The last picture stays: play goes on from it to the next.
     for (const cycle of this.recent.keys()) {
       if (cycle < chunk.first + chunk.cycles - this.index.chunkCycles) this.recent.delete(cycle);
@@ -151,6 +157,30 @@ export class PageSource implements Source {
     const text = document.getElementById(id)?.textContent;
     if (!text) throw new Error("A part of this page is missing.");
     return fromBase64(text);
+  }
+}
+
+const kMostKept = 720; // packed chunks, an hour, some 60 MB
+
+// Another source, of which a live page keeps what it has seen: a match that is over can still be looked
+// at when its viewer has ended.
+export class KeptSource implements Source {
+  private readonly kept = new Map<number, Promise<Uint8Array<ArrayBuffer>>>();
+
+  constructor(private readonly inner: Source) {}
+
+  chunk(number: number): Promise<Uint8Array<ArrayBuffer>> {
+    return this.kept.get(number) ?? this.inner.chunk(number);
+  }
+  keep(number: number): void {
+    const coming = this.inner.chunk(number);
+    // Who asks for it is told; until then it is as if it had not been kept.
+    coming.catch(() => this.kept.delete(number));
+    this.kept.set(number, coming);
+    this.kept.delete(number - kMostKept);
+  }
+  mind(player: string): Promise<Uint8Array<ArrayBuffer>> {
+    return this.inner.mind(player);
   }
 }
 

@@ -1,7 +1,7 @@
 // Opens the film that the page holds, or that of the server that it came from.
 
 import { App, cover } from "./App.ts";
-import { Film, PageSource, ServerSource } from "./Film.ts";
+import { Film, KeptSource, PageSource, ServerSource } from "./Film.ts";
 import { checkIndex, type FilmIndex } from "./Index.ts";
 import { Live } from "./Live.ts";
 
@@ -10,9 +10,9 @@ function fail(error: unknown): void {
 }
 
 async function showRecorded(film: Film): Promise<void> {
-  const first = await film.load(film.first);
-  if (!first) throw new Error(film.failures[0] ?? "The recording holds nothing.");
-  new App(film);
+  const opening = await film.opening();
+  if (opening === undefined) throw new Error(film.failures[0] ?? "The recording holds nothing.");
+  new App(film, { opening });
 }
 
 function showLive(): void {
@@ -21,9 +21,9 @@ function showLive(): void {
   const live = new Live({
     film(index: FilmIndex) {
       app?.stop();
-      film = new Film(checkIndex(index), new ServerSource());
+      film = new Film(checkIndex(index), new KeptSource(new ServerSource()));
       live.attach(film);
-      app = new App(film, (command) => live.send(command));
+      app = new App(film, { send: (command) => live.send(command) });
     },
     changed: () => app?.grown(),
     status(connected, text) {

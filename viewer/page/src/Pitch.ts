@@ -1,11 +1,13 @@
 // The pitch with its lines and goals, the ball, and what is drawn on the ground.
 
 import * as THREE from "three";
+import { mergeGeometries } from "three/examples/jsm/utils/BufferGeometryUtils.js";
 
 import type { Pitch } from "./Index.ts";
 
 const kLine = 0.06; // m, width of the lines
 const kLineHeight = 0.004; // m, above the grass
+const kStripes = 14;
 const kBorder = 3; // m of grass around the lines
 
 interface Theme {
@@ -25,26 +27,31 @@ function quad(x0: number, y0: number, x1: number, y1: number, z: number): THREE.
   return geometry.translate((x0 + x1) / 2, (y0 + y1) / 2, z);
 }
 
-function flat(geometry: THREE.BufferGeometry, color: string, software: boolean): THREE.Mesh {
+// Of one colour and drawn at once.
+function flat(parts: THREE.BufferGeometry[], color: string, software: boolean): THREE.Mesh {
   const material = software ? new THREE.MeshBasicMaterial({ color }) : new THREE.MeshLambertMaterial({ color });
-  const mesh = new THREE.Mesh(geometry, material);
+  const mesh = new THREE.Mesh(mergeGeometries(parts), material);
   mesh.receiveShadow = true;
   return mesh;
 }
 
-// The four sides of a rectangle, lines inside its edges.
-function frame(x0: number, y0: number, x1: number, y1: number): THREE.BufferGeometry[] {
+// The four sides of a rectangle, as broad as `width` inside its edges; they do not overlap.
+function frame(x0: number, y0: number, x1: number, y1: number, width: number, z: number): THREE.BufferGeometry[] {
   return [
-    quad(x0, y0, x1, y0 + kLine, kLineHeight),
-    quad(x0, y1 - kLine, x1, y1, kLineHeight),
-    quad(x0, y0, x0 + kLine, y1, kLineHeight),
-    quad(x1 - kLine, y0, x1, y1, kLineHeight),
+    quad(x0, y0, x1, y0 + width, z),
+    quad(x0, y1 - width, x1, y1, z),
+    quad(x0, y0 + width, x0 + width, y1 - width, z),
+    quad(x1 - width, y0 + width, x1, y1 - width, z),
   ];
 }
 
-function bar(from: THREE.Vector3, to: THREE.Vector3, radius: number): THREE.BufferGeometry {
+function lineFrame(x0: number, y0: number, x1: number, y1: number): THREE.BufferGeometry[] {
+  return frame(x0, y0, x1, y1, kLine, kLineHeight);
+}
+
+function bar(from: THREE.Vector3, to: THREE.Vector3, radius: number, plain: boolean): THREE.BufferGeometry {
   const along = to.clone().sub(from);
-  const geometry = new THREE.CapsuleGeometry(radius, along.length(), 4, 12);
+  const geometry = plain ? new THREE.CapsuleGeometry(radius, along.length(), 1, 6) : new THREE.CapsuleGeometry(radius, along.length(), 4, 12);
   const turn = new THREE.Quaternion().setFromUnitVectors(new THREE.Vector3(0, 1, 0), along.normalize());
   const middle = from.clone().add(to).multiplyScalar(0.5);
   return geometry.applyQuaternion(turn).translate(middle.x, middle.y, middle.z);
@@ -76,18 +83,15 @@ export class Field {
     const theme = kThemes[this.theme];
     const x = pitch.length / 2;
     const y = pitch.width / 2;
-    const ground = new THREE.Mesh(
-      new THREE.CircleGeometry(400, 48).translate(0, 0, -0.02),
-      new THREE.MeshBasicMaterial({ color: theme.ground }),
-    );
-    this.group.add(ground);
-    this.group.add(flat(quad(-x - kBorder, -y - kBorder, x + kBorder, y + kBorder, -0.008), theme.border, this.software));
-    const stripes = 14;
-    const width = pitch.length / stripes;
-    for (let i = 0; i < stripes; ++i) {
-      const from = -x + i * width;
-      this.group.add(flat(quad(from, -y, from + width, y, 0), theme.grass[i % 2 ? 1 : 0], this.software));
-    }
+    // Nothing lies under anything: what is hidden costs as much as what is seen. Beyond the border is
+    // the background, in the colour of the ground.
+    const border = frame(-x - kBorder, -y - kBorder, x + kBorder, y + kBorder, kBorder, 0);
+    this.group.add(flat(border, theme.border, this.software));
+    const width = pitch.length / kStripes;
+    const stripes = Array.from({ length: kStripes }, (_, i) => quad(-x + i * width, -y, -x + (i + 1) * width, y, 0));
+    theme.grass.forEach((colour, odd) => {
+      this.group.add(flat(stripes.filter((_, i) => i % 2 === odd), colour, this.software));
+    });
   }
 
   private addLines(pitch: Pitch): void {
@@ -95,9 +99,9 @@ export class Field {
     const y = pitch.width / 2;
     const { penaltyLength: l, penaltyWidth: w } = pitch;
     const lines = [
-      ...frame(-x, -y, x, y),
-      ...frame(-x, -w / 2, -x + l, w / 2),
-      ...frame(x - l, -w / 2, x, w / 2),
+      ...lineFrame(-x, -y, x, y),
+      ...lineFrame(-x, -w / 2, -x + l, w / 2),
+      ...lineFrame(x - l, -w / 2, x, w / 2),
       quad(-kLine / 2, -y, kLine / 2, y, kLineHeight),
       new THREE.RingGeometry(pitch.circle - kLine / 2, pitch.circle + kLine / 2, 72).translate(0, 0, kLineHeight),
       new THREE.CircleGeometry(kLine * 1.4, 24).translate(0, 0, kLineHeight),
@@ -108,7 +112,7 @@ export class Field {
       polygonOffsetFactor: -2,
       polygonOffsetUnits: -2,
     });
-    for (const line of lines) this.group.add(new THREE.Mesh(line, material));
+    this.group.add(new THREE.Mesh(mergeGeometries(lines), material));
   }
 
   private addGoal(pitch: Pitch, end: -1 | 1): void {
@@ -119,21 +123,19 @@ export class Field {
     const v = (px: number, py: number, pz: number): THREE.Vector3 => new THREE.Vector3(px, py, pz);
     const paint = new THREE.MeshLambertMaterial({ color: "#f5f6f7" });
     const thin = 0.015;
-    const bars = [
-      bar(v(x, -y, 0), v(x, -y, h), 0.03),
-      bar(v(x, y, 0), v(x, y, h), 0.03),
-      bar(v(x, -y, h), v(x, y, h), 0.03),
-      bar(v(back, -y, 0), v(back, -y, h), thin),
-      bar(v(back, y, 0), v(back, y, h), thin),
-      bar(v(back, -y, h), v(back, y, h), thin),
-      bar(v(x, -y, h), v(back, -y, h), thin),
-      bar(v(x, y, h), v(back, y, h), thin),
+    const bars: [THREE.Vector3, THREE.Vector3, number][] = [
+      [v(x, -y, 0), v(x, -y, h), 0.03],
+      [v(x, y, 0), v(x, y, h), 0.03],
+      [v(x, -y, h), v(x, y, h), 0.03],
+      [v(back, -y, 0), v(back, -y, h), thin],
+      [v(back, y, 0), v(back, y, h), thin],
+      [v(back, -y, h), v(back, y, h), thin],
+      [v(x, -y, h), v(back, -y, h), thin],
+      [v(x, y, h), v(back, y, h), thin],
     ];
-    for (const geometry of bars) {
-      const mesh = new THREE.Mesh(geometry, paint);
-      mesh.castShadow = true;
-      this.group.add(mesh);
-    }
+    const mesh = new THREE.Mesh(mergeGeometries(bars.map(([from, to, radius]) => bar(from, to, radius, this.software))), paint);
+    mesh.castShadow = true;
+    this.group.add(mesh);
     this.group.add(this.net(x, back, y, h));
   }
 
@@ -164,8 +166,8 @@ export class Field {
 }
 
 // A ball with dark patches around the corners of an icosahedron, so that its turning is seen.
-export function ballMesh(radius: number): THREE.Mesh {
-  const geometry = new THREE.SphereGeometry(radius, 40, 28);
+export function ballMesh(radius: number, software: boolean): THREE.Mesh {
+  const geometry = software ? new THREE.SphereGeometry(radius, 24, 16) : new THREE.SphereGeometry(radius, 40, 28);
   const corners = new THREE.IcosahedronGeometry(1).getAttribute("position");
   const places = geometry.getAttribute("position");
   const colours = new Float32Array(places.count * 3);

@@ -1,4 +1,4 @@
-// Draws robots: every kind of part of all robots at once, as instances of one shape.
+// Draws robots: out of which parts they are made, and where these are.
 
 import * as THREE from "three";
 import { RoundedBoxGeometry } from "three/examples/jsm/geometries/RoundedBoxGeometry.js";
@@ -6,6 +6,7 @@ import { RoundedBoxGeometry } from "three/examples/jsm/geometries/RoundedBoxGeom
 import type { Robot } from "./Chunk.ts";
 import type { RobotModel } from "./Index.ts";
 import { Skeleton } from "./Kinematics.ts";
+import { InstancedParts, MergedParts, type Kind, type Parts } from "./Parts.ts";
 
 type Paint = "team" | "white" | "dark" | "grey";
 type Triple = [number, number, number];
@@ -30,6 +31,8 @@ const kParts: Part[] = [
   { bodies: ["head"], shape: "ball", paint: "white", size: [0.065, 0.065, 0.062] },
   { bodies: ["head"], shape: "ball", paint: "dark", size: [0.046, 0.03, 0.026], at: [0, 0.044, 0.004] },
   { bodies: ["head"], shape: "box", paint: "team", size: [0.134, 0.04, 0.04], at: [0, 0, 0] },
+  // A cap, by which teams are told apart from above.
+  { bodies: ["head"], shape: "ball", paint: "team", size: [0.05, 0.05, 0.028], at: [0, -0.006, 0.044] },
   { bodies: ["rupperarm", "lupperarm"], shape: "box", paint: "white", grow: [-0.012, 0.016, -0.004] },
   { bodies: ["relbow", "lelbow"], shape: "ball", paint: "dark", size: [0.026, 0.026, 0.026] },
   { bodies: ["rlowerarm", "llowerarm"], shape: "box", paint: "team", grow: [0, -0.02, 0] },
@@ -56,13 +59,19 @@ export interface Look {
   ghost?: THREE.ColorRepresentation; // all of one colour, to be seen through
 }
 
-// A part of one robot type: which instances show it, and how it sits on its body.
+// A part of one robot type: its kind, and how it sits on its body.
 interface Piece {
-  mesh: THREE.InstancedMesh;
+  kind: number;
   team: boolean;
   body: number;
   scale: THREE.Vector3;
   at: THREE.Vector3;
+}
+
+const kSmallBall = 0.04; // m, a radius; below it fewer corners will do
+
+function ball([around, down]: [number, number]): THREE.BufferGeometry {
+  return new THREE.SphereGeometry(1, around, down);
 }
 
 function shapeOf(part: Part, size: Triple, plain: boolean): THREE.BufferGeometry {
@@ -72,9 +81,9 @@ function shapeOf(part: Part, size: Triple, plain: boolean): THREE.BufferGeometry
         ? new THREE.BoxGeometry(...size)
         : new RoundedBoxGeometry(...size, 2, Math.min(...size) * 0.28);
     case "ball":
-      return new THREE.SphereGeometry(1, plain ? 9 : 20, plain ? 6 : 14).scale(...size);
+      return ball(plain ? (Math.max(...size) < kSmallBall ? [6, 4] : [9, 6]) : [20, 14]).scale(...size);
     case "rod":
-      return new THREE.CapsuleGeometry(size[0], size[1], plain ? 2 : 4, plain ? 7 : 12).rotateZ(Math.PI / 2);
+      return new THREE.CapsuleGeometry(size[0], size[1], plain ? 1 : 4, plain ? 6 : 12).rotateZ(Math.PI / 2);
   }
 }
 
@@ -93,7 +102,7 @@ export class Robots {
   readonly group = new THREE.Group();
   private readonly skeletons: Skeleton[];
   private readonly pieces: Piece[][]; // by type
-  private readonly meshes: THREE.InstancedMesh[] = [];
+  private readonly parts: Parts;
   private readonly poses = new Float32Array(7 * 32);
   private readonly colours: [THREE.Color, THREE.Color];
 
@@ -104,29 +113,23 @@ export class Robots {
     this.skeletons = models.map((model) => new Skeleton(model));
     this.pieces = models.map(() => []);
     this.colours = [new THREE.Color(look.teams[0]), new THREE.Color(look.teams[1])];
+    const kinds: Kind[] = [];
     const materials = new Map<Paint, THREE.Material>();
-    const material = (paint: Paint): THREE.Material => {
-      const known = materials.get(paint);
-      if (known) return known;
-      const made = Robots.material(paint, look);
-      materials.set(paint, made);
-      return made;
-    };
     for (const part of kParts) {
       const size = part.size ?? this.firstBox(part);
-      if (size) this.addPart(part, size, material(part.paint), look);
+      if (!size) continue;
+      const material = materials.get(part.paint) ?? Robots.material(part.paint, look);
+      materials.set(part.paint, material);
+      const colour = new THREE.Color(part.paint === "team" ? "#ffffff" : kPaints[part.paint]);
+      this.addPieces(part, size, kinds.length);
+      kinds.push({ shape: shapeOf(part, size, look.software), material, colour, most: kCapacity * part.bodies.length });
     }
+    const merged = look.software && look.ghost === undefined;
+    this.parts = merged ? new MergedParts(kinds) : new InstancedParts(kinds, look.ghost !== undefined);
+    this.group.add(...this.parts.objects);
   }
 
-  private addPart(part: Part, size: Triple, material: THREE.Material, look: Look): void {
-    const mesh = new THREE.InstancedMesh(shapeOf(part, size, look.software), material, kCapacity * part.bodies.length);
-    mesh.instanceMatrix.setUsage(THREE.DynamicDrawUsage);
-    mesh.count = 0;
-    mesh.frustumCulled = false;
-    mesh.castShadow = !look.ghost;
-    if (look.ghost) mesh.renderOrder = 2;
-    this.meshes.push(mesh);
-    this.group.add(mesh);
+  private addPieces(part: Part, size: Triple, kind: number): void {
     this.models.forEach((model, type) => {
       for (const name of part.bodies) {
         const body = model.bodies.findIndex((other) => other.name === name);
@@ -135,7 +138,7 @@ export class Robots {
         const own = !part.size && box ? grown(box, part) : size;
         const scale = new THREE.Vector3(own[0] / size[0], own[1] / size[1], own[2] / size[2]);
         const at = new THREE.Vector3(...(part.at ?? [0, 0, 0]));
-        this.pieces[type]?.push({ mesh, team: part.paint === "team", body, scale, at });
+        this.pieces[type]?.push({ kind, team: part.paint === "team", body, scale, at });
       }
     });
   }
@@ -152,9 +155,7 @@ export class Robots {
       });
     }
     const color = paint === "team" ? "#ffffff" : kPaints[paint];
-    return look.software
-      ? new THREE.MeshLambertMaterial({ color })
-      : new THREE.MeshStandardMaterial({ color, roughness: paint === "dark" ? 0.45 : 0.62, metalness: 0.05 });
+    return new THREE.MeshStandardMaterial({ color, roughness: paint === "dark" ? 0.45 : 0.62, metalness: 0.05 });
   }
 
   private firstBox(part: Part): Triple | undefined {
@@ -175,12 +176,9 @@ export class Robots {
   }
 
   show(robots: Robot[]): void {
-    for (const mesh of this.meshes) mesh.count = 0;
+    this.parts.begin();
     for (const robot of robots.slice(0, kCapacity)) this.place(robot);
-    for (const mesh of this.meshes) {
-      mesh.instanceMatrix.needsUpdate = true;
-      if (mesh.instanceColor) mesh.instanceColor.needsUpdate = true;
-    }
+    this.parts.end();
   }
 
   private readonly matrix = new THREE.Matrix4();
@@ -190,16 +188,14 @@ export class Robots {
   private place(robot: Robot): void {
     this.skeletons[robot.type]?.place(robot.pose, robot.joints, this.poses);
     const { poses, turn, centre } = this;
-    for (const { mesh, team, body, scale, at } of this.pieces[robot.type] ?? []) {
+    for (const { kind, team, body, scale, at } of this.pieces[robot.type] ?? []) {
       const p = body * 7;
       turn.set(poses[p + 4] ?? 0, poses[p + 5] ?? 0, poses[p + 6] ?? 0, poses[p + 3] ?? 1);
       centre.copy(at).applyQuaternion(turn);
       centre.x += poses[p] ?? 0;
       centre.y += poses[p + 1] ?? 0;
       centre.z += poses[p + 2] ?? 0;
-      mesh.setMatrixAt(mesh.count, this.matrix.compose(centre, turn, scale));
-      if (team) mesh.setColorAt(mesh.count, this.colours[robot.side]);
-      ++mesh.count;
+      this.parts.put(kind, this.matrix.compose(centre, turn, scale), team ? this.colours[robot.side] : undefined);
     }
   }
 }

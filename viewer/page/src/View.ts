@@ -8,6 +8,7 @@ import type { FilmIndex } from "./Index.ts";
 import { headingOf } from "./Kinematics.ts";
 import { Beliefs, type Belief } from "./Beliefs.ts";
 import { ballMesh, Field, kThemes, Ribbon, shadowDisc } from "./Pitch.ts";
+import { kSun } from "./Parts.ts";
 import { Robots } from "./Robots.ts";
 
 export type ThemeName = "dark" | "light";
@@ -63,6 +64,10 @@ export class View {
       antialias: !this.software,
       powerPreference: "high-performance",
     });
+    // Turning every pixel into the colours of the screen takes longer than all else together: without
+    // hardware, colours are drawn as they are named.
+    THREE.ColorManagement.enabled = !this.software;
+    this.renderer.outputColorSpace = this.software ? THREE.LinearSRGBColorSpace : THREE.SRGBColorSpace;
     document.documentElement.classList.toggle("software", this.software);
     this.pixelRatio = this.software ? 1 : Math.min(window.devicePixelRatio, 2);
     this.renderer.shadowMap.enabled = !this.software;
@@ -71,7 +76,7 @@ export class View {
     this.field = new Field("dark", this.software);
     this.robots = new Robots(index.robots, { teams: kTeamColours, software: this.software });
     this.beliefs = new Beliefs(index.robots, index.pitch.ballRadius);
-    this.ball = ballMesh(index.pitch.ballRadius);
+    this.ball = ballMesh(index.pitch.ballRadius, this.software);
     this.halo = new THREE.Mesh(
       new THREE.RingGeometry(0.11, 0.15, 40),
       new THREE.MeshBasicMaterial({ color: "#ffd54a", transparent: true, opacity: 0.8, depthWrite: false, side: THREE.DoubleSide }),
@@ -86,7 +91,7 @@ export class View {
 
   private addLights(): void {
     this.scene.add(new THREE.HemisphereLight("#f2f7ff", "#56705c", 1.7));
-    this.sun.position.set(-9, -13, 22);
+    this.sun.position.copy(kSun);
     this.sun.castShadow = !this.software;
     this.sun.shadow.mapSize.set(2048, 2048);
     const { left, right } = { left: -19, right: 19 };
@@ -219,7 +224,8 @@ export class View {
       if (!label || !at) return;
       const text = label.speech ? `${label.robot.number}: ${label.speech}` : `${label.robot.number}`;
       if (element.textContent !== text) element.textContent = text;
-      element.className = (label.robot.side === 0 ? "left" : "right") + (label.chosen ? " chosen" : "") + (label.speech ? " speech" : "");
+      const look = (label.robot.side === 0 ? "left" : "right") + (label.chosen ? " chosen" : "") + (label.speech ? " speech" : "");
+      if (element.className !== look) element.className = look;
       element.style.transform = `translate(${at[0].toFixed(1)}px, ${at[1].toFixed(1)}px) translate(-50%, -100%)`;
       element.style.zIndex = String(Math.round(10000 * (1 - at[2])));
     });

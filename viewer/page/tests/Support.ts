@@ -31,6 +31,7 @@ export class TempDirectory {
 
 // A program whose output is kept.
 export class Program {
+  static running: Program[] = [];
   output = "";
   private readonly child: ChildProcess;
   readonly ended: Promise<number>;
@@ -40,6 +41,8 @@ export class Program {
     this.child.stdout?.on("data", (data: Buffer) => (this.output += data.toString()));
     this.child.stderr?.on("data", (data: Buffer) => (this.output += data.toString()));
     this.ended = new Promise((resolve) => this.child.on("close", (code) => resolve(code ?? -1)));
+    Program.running.push(this);
+    void this.ended.then(() => (Program.running = Program.running.filter((other) => other !== this)));
   }
   // The first group of the pattern, once it has been written.
   async told(pattern: RegExp): Promise<string> {

@@ -45,7 +45,8 @@ before(async () => {
   browser = await TestBrowser.start();
 });
 after(async () => {
-  await browser.stop();
+  // Those of a test that has failed, too: what runs on would hold up the end.
+  await Promise.all([browser.stop(), ...Program.running.map((program) => program.stop("SIGKILL"))]);
   directory.remove();
 });
 
@@ -110,17 +111,20 @@ test("timeline, keys and buttons move in time; a screen reader finds them", asyn
   const page = await browser.page(viewer.url);
   await opened(page);
   const position = (): Promise<number> => page.evaluate(() => window.viewer.position());
-  assert.equal(await position(), 0);
+  // It opens where its robots have come.
+  const begin = await position();
+  assert.equal(await page.evaluate(() => window.viewer.shown()?.robots.length), 3);
   await page.keyboard.press(".");
-  assert.equal(await position(), 1);
+  assert.equal(await position(), begin + 1);
   await page.getByRole("button", { name: "One cycle back" }).click();
-  assert.equal(await position(), 0);
+  assert.equal(await position(), begin);
   await page.locator("#view").focus();
   await page.keyboard.press(" ");
-  await shows(page, () => window.viewer.position() > 10);
+  await page.waitForFunction((from) => window.viewer.position() > from + 10, begin);
   await page.getByRole("button", { name: "Pause" }).click();
   assert.equal(await page.evaluate(() => window.viewer.playing()), false);
   await page.keyboard.press("Home");
+  assert.equal(await position(), 0);
   await page.locator("#view").focus();
   await page.keyboard.press("]");
   const marks = await page.evaluate(() => window.viewer.marks());
@@ -141,6 +145,17 @@ test("timeline, keys and buttons move in time; a screen reader finds them", asyn
     await page.keyboard.press(key);
     assert.equal(await page.evaluate(() => window.viewer.camera()), camera);
   }
+  // A button or a list that the pointer has used does not keep the keys for itself.
+  await page.getByRole("button", { name: "Ball trail" }).click();
+  await page.keyboard.press(".");
+  const paused = await position();
+  await page.keyboard.press(" ");
+  await page.waitForFunction((from) => window.viewer.position() > from, paused);
+  await page.locator("#camera").dispatchEvent("pointerdown");
+  await page.locator("#camera").focus();
+  await page.locator("#camera").selectOption("orbit");
+  await page.keyboard.press(".");
+  assert.equal(await page.evaluate(() => window.viewer.playing()), false);
   await page.keyboard.press("?");
   assert.ok(await page.getByRole("dialog", { name: "Help" }).isVisible());
   await page.keyboard.press("Escape");
@@ -155,14 +170,29 @@ test("timeline, keys and buttons move in time; a screen reader finds them", asyn
   await viewer.program.stop();
 });
 
-test("a phone shows everything within its width", async () => {
+test("a phone shows everything, upright and on its side", async () => {
   const viewer = await startViewer([recording]);
   const page = await browser.page(viewer.url);
-  await page.setViewportSize({ width: 390, height: 780 });
-  await opened(page);
-  for (const id of ["board", "tools", "bar", "play", "time", "camera"]) {
-    const box = await page.locator(`#${id}`).boundingBox();
-    assert.ok(box && box.x >= 0 && box.x + box.width <= 391 && box.y + box.height <= 781, `${id} ${JSON.stringify(box)}`);
+  for (const [width, height] of [[390, 780], [780, 360]] as const) {
+    await page.setViewportSize({ width, height });
+    await opened(page);
+    const box = async (id: string): Promise<{ x: number; y: number; width: number; height: number }> => {
+      const found = await page.locator(`#${id}`).boundingBox();
+      assert.ok(found, id);
+      return found;
+    };
+    for (const id of ["board", "tools", "bar", "play", "time", "camera", "player", "help"]) {
+      const { x, y, width: w, height: h } = await box(id);
+      const within = x >= 0 && y >= 0 && x + w <= width + 1 && y + h <= height + 1;
+      assert.ok(within, `${id} ${JSON.stringify({ x, y, w, h })} of ${width} x ${height}`);
+    }
+    const [board, tools, bar] = [await box("board"), await box("tools"), await box("bar")];
+    assert.ok(tools.y >= board.y + board.height || tools.x >= board.x + board.width, "tools lie over the board");
+    assert.ok(bar.y >= tools.y + tools.height, "the bar lies over the tools");
+    // The pitch from end to end, with no goal beyond the edge.
+    await sleep(500);
+    const ends = await page.evaluate(() => [[-15, -10], [-15, 10], [15, -10], [15, 10]].map(([x, y]) => window.viewer.project(x ?? 0, y ?? 0, 0)));
+    for (const end of ends) assert.ok(end && end[0] >= 0 && end[0] <= width && end[1] >= 0 && end[1] <= height, `${end} of ${width} x ${height}`);
   }
   await page.close();
   await viewer.program.stop();
@@ -278,8 +308,16 @@ test("a live match advances, obeys the trainer, and comes back with its server",
   await shows(page, () => Math.round(window.viewer.position()) === 10 && window.viewer.shown() !== undefined);
   await page.keyboard.press("l");
   await shows(page, () => window.viewer.following() && window.viewer.cycles() - window.viewer.position() < 30);
-  await page.close();
+
+  // What the page has seen can still be looked at when the viewer has ended: the first server's game,
+  // whose clock ran.
   await viewer.program.stop();
+  await page.evaluate(() => {
+    const gone = window.viewer.marks().find(({ text }) => text === "the server has gone");
+    window.viewer.seek((gone?.cycle ?? 0) - 20);
+  });
+  await shows(page, () => (window.viewer.shown()?.time ?? 0) > 0);
+  await page.close();
   await arena.stop();
 });
 

@@ -4,8 +4,8 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { deflateSync } from "node:zlib";
 
-import { ByteReader, inflate, readChunk } from "../src/Chunk.ts";
-import { Film, fromBase64, type Source } from "../src/Film.ts";
+import { ByteReader, inflate, readChunk, type Cycle } from "../src/Chunk.ts";
+import { Film, fromBase64, KeptSource, type Source } from "../src/Film.ts";
 import type { FilmIndex, RobotModel } from "../src/Index.ts";
 import { between, headingOf, rotate, Skeleton } from "../src/Kinematics.ts";
 import { Mind } from "../src/Mind.ts";
@@ -131,26 +131,35 @@ function index(chunks: number): FilmIndex {
   };
 }
 
+const packed = (bytes: Uint8Array): Uint8Array<ArrayBuffer> => new Uint8Array(deflateSync(bytes));
+
 class CountingSource implements Source {
   asked: number[] = [];
   chunk(number: number): Promise<Uint8Array<ArrayBuffer>> {
     this.asked.push(number);
     if (number === 7) return Promise.reject(new Error("gone"));
-    return Promise.resolve(new Uint8Array(deflateSync(chunk(number * 10, 10))));
+    return Promise.resolve(packed(chunk(number * 10, 10)));
   }
   mind(): Promise<Uint8Array<ArrayBuffer>> {
     return Promise.reject(new Error("none"));
   }
 }
 
+// The cycle, when it has come.
+async function load(film: Film, cycle: number): Promise<Cycle | undefined> {
+  const come = new Promise<void>((resolve) => (film.onChange = resolve));
+  if (!film.at(cycle)) await come;
+  return film.at(cycle);
+}
+
 test("a film unpacks what is looked at, once, and forgets what is far", async () => {
   const source = new CountingSource();
   const film = new Film(index(60), source);
   assert.equal(film.at(25), undefined);
-  near((await film.load(25))?.robots[0]?.pose[0], 2.5);
+  near((await load(film, 25))?.robots[0]?.pose[0], 2.5);
   near(film.at(29)?.robots[0]?.pose[0], 2.9);
   assert.deepEqual(source.asked, [2]);
-  for (let i = 10; i < 60; ++i) await film.load(i * 10);
+  for (let i = 10; i < 60; ++i) await load(film, i * 10);
   assert.equal(film.at(25), undefined);
   assert.equal(film.chunkOf(600), undefined);
 });
@@ -158,11 +167,23 @@ test("a film unpacks what is looked at, once, and forgets what is far", async ()
 test("a chunk that cannot be had is told of and not asked for again", async () => {
   const source = new CountingSource();
   const film = new Film(index(10), source);
-  await film.load(70);
+  await load(film, 70);
   film.at(70);
   film.at(71);
   assert.deepEqual(film.failures, ["gone"]);
   assert.deepEqual(source.asked, [7]);
+});
+
+test("a film opens where its robots have come", async () => {
+  const opening = (chunk: () => Promise<Uint8Array<ArrayBuffer>>): Promise<number | undefined> =>
+    new Film(index(1), { chunk, mind: () => Promise.reject(new Error("none")) }).opening();
+  const empty = [67, 0, 0, 0, 0, 3, 1, 0, 2, ...Array<number>(7).fill(0)];
+  const bytes = (...parts: Iterable<number>[]): (() => Promise<Uint8Array<ArrayBuffer>>) => () =>
+    Promise.resolve(packed(new Uint8Array(parts.flatMap((part) => [...part]))));
+  assert.equal(await opening(bytes(empty, empty, chunk(0, 3))), 2);
+  assert.equal(await opening(bytes(empty, empty)), 0);
+  assert.equal(await opening(bytes(chunk(0, 3))), 0);
+  assert.equal(await opening(bytes([88])), undefined);
 });
 
 test("a live film grows", () => {
@@ -172,6 +193,40 @@ test("a live film grows", () => {
   near(film.at(10)?.time, 0.2);
   film.addChunk({ number: 1, first: 10, cycles: 10, time: 0.2 });
   assert.equal(film.chunkOf(12)?.number, 1);
+});
+
+test("a live film has what it has seen when its source is gone", async () => {
+  const source = new CountingSource();
+  const kept = new KeptSource(source);
+  const film = new Film(index(1), kept);
+  film.addChunk({ number: 1, first: 10, cycles: 10, time: 0.2 });
+  film.addChunk({ number: 7, first: 70, cycles: 10, time: 1.4 });
+  assert.deepEqual(source.asked, [1, 7]);
+  source.chunk = () => Promise.reject(new Error("no answer"));
+  near((await load(film, 15))?.robots[0]?.pose[0], 1.5);
+  await assert.rejects(kept.chunk(0), /no answer/);
+  await assert.rejects(kept.chunk(7), /no answer/); // it could not be kept
+});
+
+test("what is damaged anywhere is read or refused, and fast", () => {
+  const whole = chunk(3, 40);
+  let seed = 7;
+  const random = (below: number): number => (seed = (seed * 48271) % 0x7fffffff) % below;
+  let refused = 0;
+  for (let i = 0; i < 3000; ++i) {
+    const bytes = whole.slice(0, 1 + random(whole.length));
+    for (let flips = random(4); flips >= 0; --flips) bytes[random(bytes.length)] = random(256);
+    try {
+      for (const { robots, ball } of readChunk(bytes)) {
+        assert.ok(robots.length <= 64 && ball.every(Number.isFinite));
+        for (const { pose } of robots) assert.ok(pose.every(Number.isFinite));
+      }
+    } catch (error) {
+      assert.match(String(error), /film is damaged/);
+      ++refused;
+    }
+  }
+  assert.ok(refused > 1000);
 });
 
 test("playing, stepping, speeds and the ends", () => {

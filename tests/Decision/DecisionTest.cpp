@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -116,18 +117,14 @@ constexpr double kPlaces[12][2] = {
     {-11.6, 0}, {8.75, 1}, {5.933333, 2.6}, {5.933333, -0.6}, {1, 2.5},
     {1, -0.5},  {2, 1}};
 
-const char* const kBeams[12] = {"",
-                                "(beam -14.2 0 0)",
-                                "(beam -12.4 -1.8 0)",
-                                "(beam -12.4 1.8 0)",
-                                "(beam -9 -3.4 0)",
-                                "(beam -9 3.4 0)",
-                                "(beam -5.6 0 0)",
-                                "(beam -4.6 3.6 0)",
-                                "(beam -4.6 -3.6 0)",
-                                "(beam -2.4 2.6 0)",
-                                "(beam -0.7 -0.7 0)",
-                                "(beam -0.15 0.055 0)"};
+// The order that puts a player to its start place, wherever the configuration has that.
+std::string beamOf(int number) {
+  const ConfigValue& place = config["Formation"]["Beam"]["p" + std::to_string(number)];
+  std::ostringstream order;
+  order << "(beam " << place[0].asFloat() << ' ' << place[1].asFloat() << ' ' << place[2].asFloat()
+        << ')';
+  return order.str();
+}
 
 // The role's fall-back ran (or, for the goalie, its turn to the goal), and nothing else walked.
 void expectRole(TestPlayer& p, int number, const std::string& what) {
@@ -159,7 +156,7 @@ void checkSituation(TestPlayer& p, int number, int situation, const std::string&
   const bool clearsBeams = situation == 3 || (situation >= 5 && situation <= 9) || situation >= 12;
   switch (situation) {
     case 2:
-      EXPECT_TRUE(has(answer, kBeams[number])) << what << answer;
+      EXPECT_TRUE(has(answer, beamOf(number))) << what << answer;
       EXPECT_EQ(de.beamCount, 6) << what;
       EXPECT_EQ(p.player.reset->State, number == 11 ? -1 : 0) << what;
       expectNoRole(p, what);
@@ -263,7 +260,7 @@ void checkTable(TeamSide side) {
       const int beams = situation == 10 ? 2 : situation == 11 ? 1 : 0;
       p.beamsPerCycle = beams;
       const std::string answer = p.cycle();
-      for (int i = 0; i < beams; ++i) EXPECT_EQ(server.receive(), kBeams[number]);
+      for (int i = 0; i < beams; ++i) EXPECT_EQ(server.receive(), beamOf(number));
       checkSituation(p, number, situation, answer, what);
       p.beamsPerCycle = 0;
       p.scene.mode = "PlayOn";
@@ -311,16 +308,16 @@ PLAYER_TEST(DecisionSituationTest, AGoalOfOursGoesOnBeamingUntilPlayOn) {
     p.beamsPerCycle = 2;
     p.cycle();
     EXPECT_EQ(p.player.de.beamCount, expected);
-    EXPECT_EQ(server.receive(), "(beam -2.4 2.6 0)");
-    EXPECT_EQ(server.receive(), "(beam -2.4 2.6 0)");
+    EXPECT_EQ(server.receive(), beamOf(9));
+    EXPECT_EQ(server.receive(), beamOf(9));
   }
   p.beamsPerCycle = 0;
   arm(p);
-  EXPECT_TRUE(has(p.cycle(), "(beam -2.4 2.6 0)"));
+  EXPECT_TRUE(has(p.cycle(), beamOf(9)));
   EXPECT_EQ(p.player.de.beamCount, 10);
   EXPECT_EQ(p.player.reset->State, 0);
   p.scene.mode = "KickOff_Right";
-  EXPECT_TRUE(has(p.cycle(), "(beam -2.4 2.6 0)"));
+  EXPECT_TRUE(has(p.cycle(), beamOf(9)));
   EXPECT_EQ(p.player.de.modestate, 10);
   EXPECT_EQ(p.player.de.beamCount, 11);
   p.scene.mode = "PlayOn";
@@ -329,7 +326,7 @@ PLAYER_TEST(DecisionSituationTest, AGoalOfOursGoesOnBeamingUntilPlayOn) {
   // Play on does not clear the count: it reaches the next goal.
   EXPECT_EQ(p.player.de.beamCount, 11);
   p.scene.mode = "Goal_Right";
-  EXPECT_TRUE(has(p.cycle(), "(beam -2.4 2.6 0)"));
+  EXPECT_TRUE(has(p.cycle(), beamOf(9)));
   EXPECT_EQ(p.player.de.beamCount, 12);
 }
 
@@ -343,10 +340,10 @@ PLAYER_TEST(DecisionSituationTest, TheirGoalCountsTwoBeamsACycle) {
     p.beamsPerCycle = 1;
     p.cycle();
     EXPECT_EQ(p.player.de.beamCount, expected);
-    EXPECT_EQ(server.receive(), "(beam -2.4 2.6 0)");
+    EXPECT_EQ(server.receive(), beamOf(9));
   }
   p.beamsPerCycle = 0;
-  EXPECT_TRUE(has(p.cycle(), "(beam -2.4 2.6 0)"));
+  EXPECT_TRUE(has(p.cycle(), beamOf(9)));
   EXPECT_EQ(p.player.de.beamCount, 11);
 }
 
@@ -645,7 +642,7 @@ PLAYER_TEST(DecisionStandUpTest, AFallenPlayerIsBeamedAfterAGoal) {
   p.player.de.beamCount = 20;
   p.scene.lying = FALL_FRONT;
   p.scene.mode = "Goal_Left";
-  EXPECT_TRUE(has(p.cycle(), "(beam -2.4 2.6 0)"));
+  EXPECT_TRUE(has(p.cycle(), beamOf(9)));
   EXPECT_EQ(p.player.de.modestate, 10);
   EXPECT_TRUE(p.player.de.checkstandup);
 }

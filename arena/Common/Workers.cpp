@@ -1,6 +1,5 @@
 #include "Common/Workers.h"
 
-#include <algorithm>
 #include <atomic>
 #include <boost/asio/post.hpp>
 #include <boost/asio/use_future.hpp>

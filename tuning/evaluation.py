@@ -290,29 +290,36 @@ def _kick_off_touch(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     return _team_metrics(figures, "left", run.options["duration"]), figures
 
 
+def _sides(run: Run) -> tuple[str, str, str]:
+    """The candidate's side, the other one, and a rivals' name with which the arena gives them these sides."""
+    side = run.options["side"]
+    if side == "right" or (side == "both" and run.seed % 2 == 1):
+        return "right", "left", RIVALS_ON_THE_LEFT
+    return "left", "right", RIVALS_ON_THE_RIGHT
+
+
+def _play_rivals(run: Run, stage: Stage, rivals: _Team, side: str) -> dict[str, Any]:
+    """The figures of the candidate against `rivals`."""
+    team = _Team(TEAM, run.configs, _types(run.options["players"], None))
+    figures = _play(stage, [team, rivals], run, _kick_off(run))
+    if figures["teams"][side]["name"] != TEAM:
+        raise RunFailed(f"the candidate does not play on the {side}")
+    return figures
+
+
 def _still(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     options = run.options
-    teams = [
-        _Team(TEAM, run.configs, _types(options["players"], None)),
-        _Team("Still", None, _types(list(range(1, options["rivals"] + 1)), None)),
-    ]
-    figures = _play(stage, teams, run, _kick_off(run))
-    return _team_metrics(figures, "left", options["duration"]), figures
+    side, _, name = _sides(run)
+    rivals = _Team(name, None, _types(list(range(1, options["rivals"] + 1)), None))
+    figures = _play_rivals(run, stage, rivals, side)
+    return _team_metrics(figures, side, options["duration"]), figures
 
 
 def _match(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
-    """With an odd seed the candidate plays on the right."""
     options = run.options
-    right = options["side"] == "right" or (options["side"] == "both" and run.seed % 2 == 1)
-    side, other = ("right", "left") if right else ("left", "right")
-    rivals = RIVALS_ON_THE_LEFT if right else RIVALS_ON_THE_RIGHT
-    teams = [
-        _Team(TEAM, run.configs, _types(options["players"], None)),
-        _Team(rivals, run.rivals, _types(options["rivals"], None)),
-    ]
-    figures = _play(stage, teams, run, _kick_off(run))
-    if figures["teams"][side]["name"] != TEAM:
-        raise RunFailed(f"the candidate does not play on the {side}")
+    side, other, name = _sides(run)
+    rivals = _Team(name, run.rivals, _types(options["rivals"], None))
+    figures = _play_rivals(run, stage, rivals, side)
     metrics = _team_metrics(figures, side, options["duration"])
     theirs = _team_metrics(figures, other, options["duration"])
     metrics["rival_falls_per_minute"] = theirs["falls_per_minute"]

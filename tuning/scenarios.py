@@ -50,6 +50,7 @@ _KICK_OFF = Option(
     "early", _one_of("early", "auto"), "'early' after 5 s, or 'auto' by the referee after 30 s"
 )
 _TYPE = Option(None, _whole(0, 4), "robot type; by the number unless given")
+_SIDE = Option("both", _one_of("left", "right", "both"), "ours; 'both': right in runs with an odd seed")
 
 
 @dataclass(frozen=True)
@@ -208,6 +209,7 @@ KINDS: dict[str, Kind] = {
         {
             "players": Option(_ALL, _NUMBERS, "our numbers"),
             "rivals": Option(11, _whole(1, 11), "how many stand"),
+            "side": _SIDE,
             "duration": _duration(300),
             "kick_off": _KICK_OFF,
         },
@@ -222,9 +224,7 @@ KINDS: dict[str, Kind] = {
             "configs": Option(
                 None, lambda value: isinstance(value, str), "their directory; the shipped values unless given"
             ),
-            "side": Option(
-                "both", _one_of("left", "right", "both"), "ours; 'both': right in runs with an odd seed"
-            ),
+            "side": _SIDE,
             "duration": _duration(300),
             "kick_off": _KICK_OFF,
         },

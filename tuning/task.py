@@ -72,16 +72,21 @@ class Knob:
 
 @dataclass(frozen=True)
 class Tie:
-    """`target` follows: it is the same list as `source`, or its atom `index` makes the sum `total`."""
+    """`target` follows: it is the list `source`, with `plus` added where that is given, or its atom
+    `index` makes the sum `total`."""
 
     target: Place
     source: Place | None
     index: int = -1
     total: float = 0.0
+    plus: tuple[float, ...] | None = None
 
     def apply(self, configs: Configs) -> None:
         if self.source is not None:
-            self.target.write(configs, self.source.read(configs))
+            atoms = self.source.read(configs)
+            if self.plus is not None:
+                atoms = [f"{float(atom) + more:.6g}" for atom, more in zip(atoms, self.plus)]
+            self.target.write(configs, atoms)
             return
         atoms = self.target.read(configs)
         others = math.fsum(float(atom) for i, atom in enumerate(atoms) if i != self.index % len(atoms))
@@ -371,10 +376,19 @@ def _atom(what: str, atom: str) -> float:
         raise TuneError(f"{what}: the value {atom!r} is no number") from None
 
 
+def _read_plus(what: str, entry: dict[str, Any], size: int) -> tuple[float, ...] | None:
+    if "plus" not in entry:
+        return None
+    plus = entry["plus"]
+    if not isinstance(plus, list) or len(plus) != size:
+        raise TuneError(f"{what}: plus must be a list of {size}")
+    return tuple(_check_number(f"{what}: plus", more) for more in plus)
+
+
 def _read_tie(entry: dict[str, Any], base: Configs, knobs: Sequence[Knob]) -> Tie:
-    """`follows = {file, group, key}`, or `sum = TOTAL` with `index`."""
+    """`follows = {file, group, key}`, also with `plus = [...]`, or `sum = TOTAL` with `index`."""
     what = f"[[tie]] {entry.get('file', '?')} {entry.get('key', '?')}"
-    _refuse_unknown(what, entry, ("scope", "file", "group", "key", "follows", "sum", "index"))
+    _refuse_unknown(what, entry, ("scope", "file", "group", "key", "follows", "plus", "sum", "index"))
     target = _read_place(what, entry)
     size = len(target.read(base))
     if ("follows" in entry) == ("sum" in entry):
@@ -389,7 +403,9 @@ def _read_tie(entry: dict[str, Any], base: Configs, knobs: Sequence[Knob]) -> Ti
             raise TuneError(f"{what}: follows a list of another length")
         if moved:
             raise TuneError(f"{what}: is a [[key]] that moves too")
-        return Tie(target, source)
+        return Tie(target, source, plus=_read_plus(what, entry, size))
+    if "plus" in entry:
+        raise TuneError(f"{what}: 'plus' needs 'follows'")
     index = entry.get("index", size - 1)
     if type(index) is not int or not 0 <= index < size:
         raise TuneError(f"{what}: index {index!r} is not within 0 to {size - 1}")

@@ -90,6 +90,8 @@ class Match {
   const Referee& referee() const { return referee_; }
   Trainer& trainer() { return trainer_; }
   MatchWorld& world() { return world_; }
+  // The match's threads, for what can be done side by side between two steps.
+  Workers& workers() { return workers_; }
   // Everything after the last physics step, before the referee moved anything.
   const Scene& scene() const { return scene_; }
 

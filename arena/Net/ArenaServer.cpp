@@ -372,22 +372,32 @@ void ArenaServer::handOver() {
 }
 
 void ArenaServer::sendPercepts() {
+  std::vector<AgentSession*> due;
   for (AgentSession& session : agents_) {
-    if (!frameDue(session)) continue;
-    const bool sent = session.connection->send(match_.percept(session.id));
-    if (wiretap_.given) wiretap_.given(session.id, sent ? match_.percept(session.id) : "");
-    if (sent) {
-      ++session.given;
-    } else if (!std::exchange(session.toldSlow, true)) {
-      log_("agent " + std::to_string(session.id) + ": does not read, frames are dropped");
-    }
-    session.waitingSince = Clock::now();
+    if (frameDue(session)) due.push_back(&session);
   }
+  std::vector<char> sent(due.size());
+  // Each touches its session alone.
+  match_.workers().run(due.size(), [&](std::size_t i) {
+    sent[i] = due[i]->connection->send(match_.percept(due[i]->id));
+  });
+  for (std::size_t i = 0; i < due.size(); ++i) noteSent(*due[i], sent[i] != 0);
+}
+
+void ArenaServer::noteSent(AgentSession& session, bool sent) {
+  if (wiretap_.given) wiretap_.given(session.id, sent ? match_.percept(session.id) : "");
+  if (sent) {
+    ++session.given;
+  } else if (!std::exchange(session.toldSlow, true)) {
+    log_("agent " + std::to_string(session.id) + ": does not read, frames are dropped");
+  }
+  session.waitingSince = Clock::now();
 }
 
 void ArenaServer::sendMonitors() {
   const bool full = match_.trainer().takeFullStateRequest();
   const bool due = cycles_ % MonitorStream::kCyclesPerMessage == 0;
+  std::vector<MonitorSession*> served;
   for (MonitorSession& session : monitors_) {
     if (full) session.stream.requestFull();
     session.stream.noteFouls(match_.referee().fouls());
@@ -398,8 +408,13 @@ void ArenaServer::sendMonitors() {
       session.toldSlow = true;
       continue;
     }
-    session.connection->send(session.stream.next(match_.scene(), match_.game(), passWait()));
+    served.push_back(&session);
   }
+  // Each touches its session alone.
+  match_.workers().run(served.size(), [&](std::size_t i) {
+    MonitorSession& session = *served[i];
+    session.connection->send(session.stream.next(match_.scene(), match_.game(), passWait()));
+  });
 }
 
 }  // namespace arena

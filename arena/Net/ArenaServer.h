@@ -156,6 +156,7 @@ class ArenaServer {
   void apply(const AgentSession& session, const std::string& message);
   void handOver();
   void sendPercepts();
+  void noteSent(AgentSession& session, bool sent);
   void sendMonitors();
   std::array<float, 2> passWait() const;
 

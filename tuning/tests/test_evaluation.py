@@ -14,7 +14,7 @@ import pytest
 
 from tuning import paths
 from tuning.configs import Configs, set_value
-from tuning.evaluation import Run, evaluate
+from tuning.evaluation import TEAM, Run, evaluate
 from tuning.scenarios import KINDS, read_scenario
 from tuning.stage import RunFailed, Stage
 
@@ -61,6 +61,13 @@ def test_the_same_seed_gives_the_same_figures_whatever_the_load(
         again = evaluate(run, details=True)
     assert again.figures == result.figures
     assert again.metrics == result.metrics
+
+
+@pytest.mark.parametrize("seed, side", [(2, "left"), (3, "right")])
+def test_against_still_robots_both_sides_are_played(base: Configs, seed: int, side: str) -> None:
+    run = first_run(base, "still", seed=seed, duration=2, players=[9], rivals=1)
+    figures = evaluate(run, details=True).figures
+    assert figures["teams"][side]["name"] == TEAM
 
 
 def test_another_seed_or_other_values_give_another_match(base: Configs) -> None:

@@ -95,8 +95,20 @@ def test_ties_make_lists_equal_and_sums_whole(base: Configs) -> None:
     assert read_value(candidate, "all", "omniBackWalk", "omnibackwalk", "Zankle") == [f"{z:g}" for z in lift]
 
 
+def test_a_list_follows_another_at_a_distance(base: Configs) -> None:
+    ties = TIES.replace("[[tie]]\nfile = \"omniBackWalk\"", "[[tie]]\nplus = [1, 0, -0.5, 0]\nfile = \"omniBackWalk\"")
+    assert ties != TIES
+    task = parse(SMALL_TASK + ties, base)
+    candidate = task.candidate({knob.name: 0.0 for knob in task.knobs})
+    leader = [float(z) for z in read_value(candidate, "all", "backWalk", "backwalk", "Zankle")]
+    follower = [float(z) for z in read_value(candidate, "all", "omniBackWalk", "omnibackwalk", "Zankle")]
+    assert follower == pytest.approx([leader[0] + 1, leader[1], leader[2] - 0.5, leader[3]], abs=1e-5)
+
+
 @pytest.mark.parametrize("old, new, told", [
     ("index = 3", "index = 2", "moves too"),
+    ("sum = 0", "sum = 0\nplus = [0, 0, 0, 0]", "'plus' needs 'follows'"),
+    ('file = "omniBackWalk"', 'plus = [1]\nfile = "omniBackWalk"', "plus must be a list of 4"),
     ("index = 3", "index = 4", "not within 0 to 3"),
     ("sum = 0", "", "either 'follows' or 'sum'"),
     ('key = "Zankle" }', 'key = "speed" }', "another length"),

@@ -634,6 +634,36 @@ TEST_F(ArenaServerTest, GivesEachMonitorAFullMessageFirst) {
   EXPECT_TRUE(contains(monitor.receive(), "(time "));
 }
 
+// What three monitors get while a player turns its head.
+std::vector<std::string> watch(int threads) {
+  MatchOptions options;
+  options.threads = threads;
+  Arena arena({}, options);
+  std::vector<std::string> streams;
+  std::vector<std::unique_ptr<Client>> monitors;
+  for (int i = 0; i < 3; ++i) {
+    monitors.push_back(std::make_unique<Client>(arena.monitors()));
+    streams.push_back(monitors.back()->receive().value_or("nothing"));
+  }
+  Player player(arena.agents(), 1, "Alpha");
+  EXPECT_TRUE(player.play(60, "(he1 1)"));
+  for (std::size_t i = 0; i < monitors.size(); ++i) {
+    for (int message = 0; message < 25; ++message) {
+      streams[i] += monitors[i]->receive().value_or("nothing");
+    }
+  }
+  return streams;
+}
+
+TEST(ArenaServerMonitorTest, GivesAllTheSameWithAnyNumberOfThreads) {
+  const std::vector<std::string> alone = watch(1);
+  EXPECT_GT(alone[0].size(), 20000u);
+  EXPECT_EQ(alone[0].find("nothing"), std::string::npos);
+  EXPECT_TRUE(alone[1] == alone[0]);
+  EXPECT_TRUE(alone[2] == alone[0]);
+  EXPECT_TRUE(watch(3) == alone);
+}
+
 TEST(ArenaServerTrainerTest, EndsTheArenaEvenWhileTheClockStands) {
   Arena arena;
   Client trainer(arena.monitors());

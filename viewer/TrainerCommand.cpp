@@ -24,7 +24,7 @@ struct NoCommand : std::runtime_error {
 
 // Far beyond the walls, m.
 constexpr double kFarthest = 100;
-constexpr double kLatest = 100'000;  // s
+constexpr double kLatestTime = 100'000;  // s
 constexpr int kHighestScore = 1000;
 constexpr int kHighestNumber = 11;
 
@@ -80,7 +80,7 @@ std::string score(const json& request) {
 }
 
 std::string time(const json& request) {
-  return format("(time %.2f)", number(request, "time", 0, kLatest));
+  return format("(time %.2f)", number(request, "time", 0, kLatestTime));
 }
 
 std::string ball(const json& request) {

@@ -46,7 +46,7 @@ constexpr std::size_t kTrainerFrames = Trainer::kMaxFrames / ArenaServer::kMaxMo
 constexpr std::size_t kTrainerBytes =
     Trainer::kMaxBytes / ArenaServer::kMaxMonitors * 3 / 4 - kMonitorLimits.frameLength;
 
-std::string quoted(std::string_view reason) {
+std::string inBrackets(std::string_view reason) {
   return reason.empty() ? std::string() : " (" + std::string(reason) + ")";
 }
 
@@ -336,7 +336,8 @@ void ArenaServer::stepMatch() {
 void ArenaServer::removeEnded() {
   agents_.remove_if([this](AgentSession& session) {
     if (!session.connection->ended()) return false;
-    log_("agent " + std::to_string(session.id) + ": gone" + quoted(session.connection->reason()));
+    log_("agent " + std::to_string(session.id) + ": gone" +
+         inBrackets(session.connection->reason()));
     match_.disconnect(session.id);
     session.connection->close();
     return true;

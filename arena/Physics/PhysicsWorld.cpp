@@ -7,6 +7,7 @@
 #include "Common/Pitch.h"
 #include "Common/Units.h"
 #include "Physics/Constants.h"
+#include "Physics/EngineVectors.h"
 #include "Physics/Surface.h"
 
 namespace arena {
@@ -40,10 +41,6 @@ void startEngine() {
 bool isSane(const Eigen::Vector3d& place) {
   constexpr double kFarAway = 1e4;  // m
   return place.allFinite() && place.cwiseAbs().maxCoeff() < kFarAway;
-}
-
-Eigen::Vector3d vectorOf(const dReal* v) {
-  return {v[0], v[1], v[2]};
 }
 
 const Surface& surfaceOf(GeomTag::Kind kind) {

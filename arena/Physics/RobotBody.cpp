@@ -7,6 +7,7 @@
 
 #include "Common/Units.h"
 #include "Physics/Constants.h"
+#include "Physics/EngineVectors.h"
 
 namespace arena {
 namespace {
@@ -18,18 +19,6 @@ constexpr double kStopCfm = 1e-8;
 constexpr double kStopBounce = 1.0;
 constexpr double kFudgeFactor = 1e-5;
 constexpr float kDrag = 0.01f;  // N per m/s, and N·m per rad/s
-
-Eigen::Vector3d vectorOf(const dReal* v) {
-  return {v[0], v[1], v[2]};
-}
-
-Eigen::Matrix3d matrixOf(const dReal* r) {
-  Eigen::Matrix3d m;
-  m << r[0], r[1], r[2],  //
-      r[4], r[5], r[6],   //
-      r[8], r[9], r[10];
-  return m;
-}
 
 template <typename Derived>
 auto rounded(const Eigen::MatrixBase<Derived>& m) {

@@ -4,11 +4,15 @@
 #include <random>
 
 #include "AdvancedAction/GoToPoint.h"
+#include "support/PointCheck.h"
 #include "support/TestPlayer.h"
 
 namespace {
 
+using support::expectGroundPoint;
 using support::TestPlayer;
+
+constexpr double kMargin = 1e-4;  // m
 
 // An opponent on a resting ball, which it therefore reaches at once and where it lies.
 struct Blocking {
@@ -30,12 +34,6 @@ struct Blocking {
 
   TestPlayer p;
 };
-
-void expectPoint(Vector actual, double x, double y, double margin = 1e-4) {
-  EXPECT_NEAR(actual.getX(), x, margin);
-  EXPECT_NEAR(actual.getY(), y, margin);
-  EXPECT_EQ(actual.getZ(), 0);
-}
 
 PLAYER_TEST(BlockTest, InItReadsTheWorld) {
   Blocking b(7);
@@ -100,7 +98,7 @@ PLAYER_TEST(BlockTest, AimsOfTheOpponent) {
     b.p.me(selfX, row.y);
     const double midX = (selfX + row.x) / 2;
     const double midY = row.y + (row.targetY - row.y) / (row.targetX - row.x) * (midX - row.x);
-    expectPoint(b.pos(), midX, midY, 2e-3);
+    expectGroundPoint(b.pos(), midX, midY, 2e-3);
   }
 }
 
@@ -112,7 +110,7 @@ PLAYER_TEST(BlockTest, AimsNearTheOwnGoal) {
     Blocking b(7);
     b.opponentAt(x, y);
     b.p.me(x + 20, y);
-    expectPoint(b.pos(), -14.5, y * 0.5 / (x + 15));
+    expectGroundPoint(b.pos(), -14.5, y * 0.5 / (x + 15), kMargin);
   }
 }
 
@@ -139,7 +137,7 @@ PLAYER_TEST(BlockTest, ThePointIsEquallyFarFromPlayerAndOpponent) {
     const double off = std::fabs(sy - y - m * (sx - x)) / std::sqrt(m * m + 1);
     if (std::fabs(off - 0.5) < 0.01) continue;
     if (off < 0.5) {
-      expectPoint(at, x, y, 1e-3);  // close to the line: straight at the opponent
+      expectGroundPoint(at, x, y, 1e-3);  // close to the line: straight at the opponent
       ++reaches;
       continue;
     }
@@ -163,7 +161,7 @@ PLAYER_TEST(BlockTest, LevelAndNearTheTargetItGoesToTheOpponent) {
   Blocking b(7);
   b.opponentAt(1, 7);  // aim (-1.5, 7)
   b.p.me(0.4, 7.05);
-  expectPoint(b.pos(), 1, 7);
+  expectGroundPoint(b.pos(), 1, 7, kMargin);
 }
 
 // The bisector meets the line beyond its end: the target.
@@ -171,10 +169,10 @@ PLAYER_TEST(BlockTest, BeyondTheLineItTakesTheTarget) {
   Blocking b(7);
   b.opponentAt(1, 7);
   b.p.me(-9, 5);
-  expectPoint(b.pos(), -1.5, 7);
+  expectGroundPoint(b.pos(), -1.5, 7, kMargin);
   // A bisector parallel to the line, for a player straight beside the ball.
   b.p.me(1, 3);
-  expectPoint(b.pos(), -1.5, 7);
+  expectGroundPoint(b.pos(), -1.5, 7, kMargin);
 }
 
 // Within 0.1 of x -14.5 no ball is on the pitch, so that a vertical line only comes with a ball
@@ -185,20 +183,20 @@ PLAYER_TEST(BlockTest, AVerticalLine) {
   b.p.ball(-14.45, 4);
   // Level with it the player's own run crosses the line at its own y.
   b.p.me(-12, 4.05);
-  expectPoint(b.pos(), -14.45, 4.05);
+  expectGroundPoint(b.pos(), -14.45, 4.05, kMargin);
   b.p.me(-14.45, 3.95);
-  expectPoint(b.pos(), -14.45, 3.95);
+  expectGroundPoint(b.pos(), -14.45, 3.95, kMargin);
   // In line and not level: the x of the reach point as y, which lies beyond, so that the target
   // is taken.
   b.p.me(-14.45, 2);
-  expectPoint(b.pos(), -14.5, aim);
+  expectGroundPoint(b.pos(), -14.5, aim, kMargin);
   // Neither: the bisector of (-13, 3.3) and (-14.45, 4) is at y 2.0 there, beyond: the target.
   b.p.me(-13, 3.3);
-  expectPoint(b.pos(), -14.5, aim);
+  expectGroundPoint(b.pos(), -14.5, aim, kMargin);
   // The bisector of (-11, 3.4) and the reach point, k = 3.45 / 0.6 = 5.75, c = 3.7 + 5.75 * 12.725,
   // is at y -6.5: beyond as well.
   b.p.me(-11, 3.4);
-  expectPoint(b.pos(), -14.5, aim);
+  expectGroundPoint(b.pos(), -14.5, aim, kMargin);
 }
 
 // With a ball behind the line of the goal, at (-16, 4), the aim is at (-14.5, 4 * 0.5 / -1) and the
@@ -208,7 +206,7 @@ PLAYER_TEST(BlockTest, BehindTheGoalLineThePointMayLieBeyondTheAim) {
   Blocking b(7);
   b.p.ball(-16, 4);
   b.p.me(-10, 4);
-  expectPoint(b.pos(), -13, -8);
+  expectGroundPoint(b.pos(), -13, -8, kMargin);
 }
 
 // A player that already runs along a good line stays on it: the velocity's slope, with the sign
@@ -217,9 +215,9 @@ PLAYER_TEST(BlockTest, ARunningPlayerStaysOnItsLine) {
   Blocking b(7);
   b.opponentAt(1, 7);  // the wing: the line y = 7 from 1 to -1.5
   b.p.me(-3.8, 7.05);  // level: half way
-  expectPoint(b.pos(), -1.4, 7);
+  expectGroundPoint(b.pos(), -1.4, 7, kMargin);
   b.p.world.mySelf->setVelocity(Vector(1.7f, 0.05f, 0));
-  expectPoint(b.pos(), -1.4, 7);  // too parallel to have a crossing
+  expectGroundPoint(b.pos(), -1.4, 7, kMargin);  // too parallel to have a crossing
   b.p.me(-2.8, 5);
   b.p.world.mySelf->setVelocity(Vector(0, 0, 0));
   // Bisector of (-2.8, 5) and (1, 7): 1.9 x + y... at y 7: x = -0.9 + (6 - 7) / 1.9 * 1 = -1.426.
@@ -229,7 +227,7 @@ PLAYER_TEST(BlockTest, ARunningPlayerStaysOnItsLine) {
   // Velocity (1, -1): slope +1 after the sign, through (-2.8, 5): meets y = 7 at x = -0.8, which
   // lies ahead of the point by less than 1 m.
   b.p.world.mySelf->setVelocity(Vector(1, -1, 0));
-  expectPoint(b.pos(), -0.8, 7, 1e-3);
+  expectGroundPoint(b.pos(), -0.8, 7, 1e-3);
   // Slope 0.8: at x = -0.3, more than 1 m ahead: the point stays.
   b.p.world.mySelf->setVelocity(Vector(1, -0.8f, 0));
   EXPECT_NEAR(b.pos().getX(), still.getX(), 1e-3);
@@ -250,7 +248,7 @@ PLAYER_TEST(BlockRealTest, WalksToThePointFacingTheBall) {
   b.p.me(-3.8, 7);
   b.p.arm();
   EXPECT_TRUE(b.p.player.block->realBlockExecute());
-  expectPoint(b.p.player.decide->lastPos, -1.4, 7);
+  expectGroundPoint(b.p.player.decide->lastPos, -1.4, 7, kMargin);
   EXPECT_EQ(Block::blockCountDown, -1);
 }
 

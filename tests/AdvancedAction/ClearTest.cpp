@@ -1,10 +1,12 @@
 #include "AdvancedAction/Clear.h"
 
 #include "AdvancedAction/GoToKick.h"
+#include "support/PointCheck.h"
 #include "support/TestPlayer.h"
 
 namespace {
 
+using support::expectGroundPoint;
 using support::TestPlayer;
 
 struct Clearing {
@@ -21,12 +23,6 @@ struct Clearing {
   TestPlayer p;
 };
 
-void expectPoint(Vector actual, double x, double y) {
-  EXPECT_NEAR(actual.getX(), x, 1e-5);
-  EXPECT_NEAR(actual.getY(), y, 1e-5);
-  EXPECT_EQ(actual.getZ(), 0);
-}
-
 PLAYER_TEST(ClearTest, TakesTheWorldFresh) {
   Clearing c(-13, 2);
   c.p.ball(-12, 1);
@@ -39,20 +35,20 @@ PLAYER_TEST(ClearTest, TakesTheWorldFresh) {
 PLAYER_TEST(ClearTest, KicksAsideAwayFromThePlayer) {
   Clearing c(-13, 2);
   c.p.ball(-12, 1);
-  expectPoint(c.aim(Vector(-10, 1.005f, 0)), -12, 0.5);
+  expectGroundPoint(c.aim(Vector(-10, 1.005f, 0)), -12, 0.5);
   c.p.me(-13, 0);
-  expectPoint(c.aim(Vector(-10, 1, 0)), -12, 1.5);
+  expectGroundPoint(c.aim(Vector(-10, 1, 0)), -12, 1.5);
   c.p.me(-13, 1);  // equally far: the second
-  expectPoint(c.aim(Vector(-10, 1, 0)), -12, 1.5);
+  expectGroundPoint(c.aim(Vector(-10, 1, 0)), -12, 1.5);
 }
 
 // The opponent aside along y: straight forward, and also when it stands on the ball.
 PLAYER_TEST(ClearTest, KicksForwardPastAnOpponentAside) {
   Clearing c(-13, 2);
   c.p.ball(-12, 1);
-  expectPoint(c.aim(Vector(-12, 4, 0)), -11.5, 1);
-  expectPoint(c.aim(Vector(-12.005f, -4, 0)), -11.5, 1);
-  expectPoint(c.aim(Vector(-12, 1, 0)), -11.5, 1);
+  expectGroundPoint(c.aim(Vector(-12, 4, 0)), -11.5, 1);
+  expectGroundPoint(c.aim(Vector(-12.005f, -4, 0)), -11.5, 1);
+  expectGroundPoint(c.aim(Vector(-12, 1, 0)), -11.5, 1);
 }
 
 // Ball (-12, 2), opponent (-11, 3): L_a = -1, L_b = 1, L_c = -12 - 2 = -14. Slope L_b / L_a = -1,
@@ -61,9 +57,9 @@ PLAYER_TEST(ClearTest, KicksForwardPastAnOpponentAside) {
 PLAYER_TEST(ClearTest, ASlantingLineWorksOutTwoPoints) {
   Clearing c(-13, -2);
   c.p.ball(-12, 2);
-  expectPoint(c.aim(Vector(-11, 3, 0)), -12.5, 26.5);
+  expectGroundPoint(c.aim(Vector(-11, 3, 0)), -12.5, 26.5);
   c.p.me(-12, 60);
-  expectPoint(c.aim(Vector(-11, 3, 0)), -11.5, 25.5);
+  expectGroundPoint(c.aim(Vector(-11, 3, 0)), -11.5, 25.5);
 }
 
 // Ball at the centre: the line across runs through it, with the slope L_b / L_a. For an opponent at
@@ -71,11 +67,11 @@ PLAYER_TEST(ClearTest, ASlantingLineWorksOutTwoPoints) {
 PLAYER_TEST(ClearTest, AvoidsTheOwnGoal) {
   Clearing c(3, 0);  // the first point is farther away
   c.p.ball(0, 0);
-  expectPoint(c.aim(Vector(0.2f, -3.75f, 0)), 0.5, 0.5 * 0.2 / 3.75);
+  expectGroundPoint(c.aim(Vector(0.2f, -3.75f, 0)), 0.5, 0.5 * 0.2 / 3.75);
   // A slope of 0.1 reaches -1.5: outside, so that the farther one counts.
-  expectPoint(c.aim(Vector(0.4f, -4, 0)), -0.5, -0.05);
+  expectGroundPoint(c.aim(Vector(0.4f, -4, 0)), -0.5, -0.05);
   // A slope of 0.05 reaches -0.75, and is not noticed between the looks at -0.8 and -0.6.
-  expectPoint(c.aim(Vector(0.2f, -4, 0)), -0.5, -0.025);
+  expectGroundPoint(c.aim(Vector(0.2f, -4, 0)), -0.5, -0.025);
 }
 
 }  // namespace

@@ -3,19 +3,16 @@
 #include <cmath>
 
 #include "BasicAction/OmniWalk.h"
+#include "support/PointCheck.h"
 #include "support/TestPlayer.h"
 
 namespace {
 
+using support::expectPoint;
 using support::TestPlayer;
 
 // The root of 1 - 0.25, plus 0.5: how far the first look-ahead steps aside.
 const double kAside = std::sqrt(0.75) + 0.5;
-
-void expectPoint(Vector actual, double x, double y) {
-  EXPECT_NEAR(actual.getX(), x, 1e-5);
-  EXPECT_NEAR(actual.getY(), y, 1e-5);
-}
 
 TEST(DribbleConstructionTest, Statics) {
   EXPECT_EQ(Dribble::mapsoosPos, Vector(9999, 9999, 9999));

@@ -2,18 +2,15 @@
 
 #include "AdvancedAction/GoToPoint.h"
 #include "BasicAction/OmniWalk.h"
+#include "support/PointCheck.h"
 #include "support/TestPlayer.h"
 
 namespace {
 
+using support::expectPoint;
 using support::TestPlayer;
 
 const Vector kAim(15, 0, 0);
-
-void expectPoint(Vector actual, double x, double y) {
-  EXPECT_NEAR(actual.getX(), x, 1e-5);
-  EXPECT_NEAR(actual.getY(), y, 1e-5);
-}
 
 TEST(GoToBallConstructionTest, StartValues) {
   GoToBall action;

@@ -14,7 +14,7 @@ namespace {
 
 using support::TestPlayer;
 
-const Vector kAim(15, 0, 0);
+const Vector kKickAim(15, 0, 0);
 
 // The real position of the ball, which vision never fills in, is the pitch centre.
 PLAYER_TEST(GoToKickTest, ApproachesThePitchCentreWhereverTheBallIsSeen) {
@@ -22,11 +22,11 @@ PLAYER_TEST(GoToKickTest, ApproachesThePitchCentreWhereverTheBallIsSeen) {
   p.me(-5, 0);
   p.ball(3, 4);
   p.arm();
-  EXPECT_FALSE(p.player.goToKick->execute(kAim));
+  EXPECT_FALSE(p.player.goToKick->execute(kKickAim));
   EXPECT_EQ(p.player.walk->v, Vector(0, 0, 0));
   EXPECT_EQ(p.player.walk->Error, 5);
   p.world.ball->setRealPosition(Vector(-1, 0.5f, 0));
-  p.player.goToKick->execute(kAim);
+  p.player.goToKick->execute(kKickAim);
   EXPECT_EQ(p.player.walk->v, Vector(-1, 0.5f, 0));
 }
 
@@ -35,27 +35,27 @@ PLAYER_TEST(GoToKickTest, RunsThroughItsStatesToTheKick) {
   p.ball(0, 0);
   p.me(-3, 0);
   p.arm();
-  p.player.goToKick->execute(kAim);  // the fast stretch
+  p.player.goToKick->execute(kKickAim);  // the fast stretch
   p.me(-0.05, 0);
   p.player.walk->_omniWalk->p = 9;
-  p.until([&] { return p.player.goToKick->execute(kAim), GTKstate == 2; });
-  EXPECT_EQ(p.player.turnAroundBall->vec, kAim);
+  p.until([&] { return p.player.goToKick->execute(kKickAim), GTKstate == 2; });
+  EXPECT_EQ(p.player.turnAroundBall->vec, kKickAim);
   EXPECT_EQ(p.player.turnAroundBall->Error, 5);
   EXPECT_NE(p.player.walk->_omniWalk->p, 9) << "the omni gait starts afresh";
-  p.until([&] { return p.player.goToKick->execute(kAim), GTKstate == 30; });
+  p.until([&] { return p.player.goToKick->execute(kKickAim), GTKstate == 30; });
   EXPECT_EQ(p.player.reset->State, 1);
   // |cos(0) * 0.45| is above 0.1: small steps, until the ball lies at 11 degrees, whose number has
   // a cosine of 0.004.
-  EXPECT_FALSE(p.player.goToKick->execute(kAim));
+  EXPECT_FALSE(p.player.goToKick->execute(kKickAim));
   EXPECT_EQ(GTKstate, 30);
-  EXPECT_EQ(p.player.walk->v, kAim);
+  EXPECT_EQ(p.player.walk->v, kKickAim);
   EXPECT_FLOAT_EQ(p.player.walk->Speed, 0.2f);
   EXPECT_FALSE(p.player.actions->endStepIsRequired);
   p.me(-0.05, 0, -11);
-  EXPECT_FALSE(p.player.goToKick->execute(kAim));
+  EXPECT_FALSE(p.player.goToKick->execute(kKickAim));
   EXPECT_EQ(GTKstate, 3);
   p.me(-0.05, 0.2);
-  const int cycles = p.until([&] { return p.player.goToKick->execute(kAim); });
+  const int cycles = p.until([&] { return p.player.goToKick->execute(kKickAim); });
   EXPECT_GT(cycles, 20);
   EXPECT_EQ(GTKstate, 1);
   EXPECT_EQ(p.player.kick->type, AT_UNSTABLE_KICK);
@@ -77,7 +77,7 @@ PLAYER_TEST(GoToKickTest, CosineOfDegreesDecidesTheSmallSteps) {
     p.me(-row.distance, 0, -row.bearing);
     p.arm();
     GTKstate = 30;
-    EXPECT_FALSE(p.player.goToKick->execute(kAim));
+    EXPECT_FALSE(p.player.goToKick->execute(kKickAim));
     EXPECT_EQ(GTKstate, row.kicks ? 3 : 30);
     EXPECT_EQ(p.askedToWalk(), !row.kicks);
   }
@@ -89,13 +89,13 @@ PLAYER_TEST(GoToKickTest, ABallThatRanAwayIsApproachedAnew) {
   GTKstate = 3;
   p.me(-1.01, 0);
   p.player.actions->endStepIsRequired = true;
-  EXPECT_FALSE(p.player.goToKick->execute(kAim));
+  EXPECT_FALSE(p.player.goToKick->execute(kKickAim));
   EXPECT_EQ(GTKstate, 1);
   EXPECT_FALSE(p.player.actions->endStepIsRequired);
   EXPECT_EQ(p.player.kick->type, AT_NONE);
   GTKstate = 3;
   p.me(-0.99, 0);  // on the ground: the height does not count here
-  p.player.goToKick->execute(kAim);
+  p.player.goToKick->execute(kKickAim);
   EXPECT_EQ(GTKstate, 3);
   EXPECT_EQ(p.player.kick->type, AT_UNSTABLE_KICK);
 }
@@ -106,7 +106,7 @@ PLAYER_TEST(GoToKickTest, AnInterruptedKickKeepsItsFootAndAFinishedOneAsksAnew) 
   p.arm();
   const auto kick = [&] {
     p.player.actions->NowAction.actionType = AT_UNSTABLE_KICK;  // else the arbiter clears the side
-    return p.player.goToKick->execute(kAim);
+    return p.player.goToKick->execute(kKickAim);
   };
   GTKstate = 3;
   p.me(-0.2, -0.1);  // ball to the left
@@ -128,7 +128,7 @@ PLAYER_TEST(GoToKickTest, TheStateOutlivesAResetOfAllActions) {
   p.player.resetAllVars();
   EXPECT_EQ(GTKstate, 30);
   GTKstate = 4;
-  EXPECT_FALSE(p.player.goToKick->execute(kAim));
+  EXPECT_FALSE(p.player.goToKick->execute(kKickAim));
   EXPECT_EQ(GTKstate, 4);
 }
 

@@ -2,11 +2,15 @@
 
 #include <cmath>
 
+#include "support/PointCheck.h"
 #include "support/TestPlayer.h"
 
 namespace {
 
+using support::expectPoint;
 using support::TestPlayer;
+
+constexpr double kMarkMargin = 2e-5;  // m
 
 TEST(MarkAgentTest, ComparesByDistance) {
   EXPECT_TRUE(compare(MarkAgent(2, 1), MarkAgent(3, 2)));
@@ -44,18 +48,13 @@ struct Marking {
   TestPlayer p;
 };
 
-void expectPoint(Vector actual, double x, double y) {
-  EXPECT_NEAR(actual.getX(), x, 2e-5);
-  EXPECT_NEAR(actual.getY(), y, 2e-5);
-}
-
 // An opponent at (3, 4), 5 m from the ball: half a metre of that way from it is (2.7, 3.6). The
 // player stands 1.2 m from there, which steps of 0.3, 1.3, 2.3, ... meet.
 PLAYER_TEST(MarkTest, StepsBetweenOpponentAndBall) {
   Marking m(7, 2.7, 2.486);  // 1.114 on the ground, 1.2 with the height
   m.p.see(1, 5, 3, 4);
   EXPECT_TRUE(m.run());
-  expectPoint(m.point(), 2.7, 3.6);
+  expectPoint(m.point(), 2.7, 3.6, kMarkMargin);
   Mark& mark = *m.p.player.mark;
   EXPECT_EQ(mark.unum, 7);
   EXPECT_EQ(mark.selfPos, Vector(2.7f, 2.486f, 0.45f));
@@ -73,10 +72,10 @@ PLAYER_TEST(MarkTest, AnOpponentOnTheBallIsNotMarked) {
   Marking m(7, 1, 0);
   m.p.see(1, 5, 0.09, 0);
   EXPECT_TRUE(m.run());
-  expectPoint(m.point(), kFarMark.getX(), kFarMark.getY());
+  expectPoint(m.point(), kFarMark.getX(), kFarMark.getY(), kMarkMargin);
   m.p.see(1, 5, 0.11, 0);
   EXPECT_TRUE(m.run());
-  expectPoint(m.point(), -0.39, 0);
+  expectPoint(m.point(), -0.39, 0, kMarkMargin);
 }
 
 PLAYER_TEST(MarkTest, WithATeammateAtTheBallNobodyMarks) {
@@ -177,7 +176,7 @@ PLAYER_TEST(MarkTest, AStaleWinnerServesAnOpponentWithoutCandidates) {
   EXPECT_FALSE(m.run()) << "nobody has ever won";
   m.p.me(0, 0.6);  // 1.14 m: met
   EXPECT_TRUE(m.run());
-  expectPoint(m.point(), kFarMark.getX(), kFarMark.getY());
+  expectPoint(m.point(), kFarMark.getX(), kFarMark.getY(), kMarkMargin);
 }
 
 // For a team on the right the rows cross: it marks what vision saw of its teammates.
@@ -187,7 +186,7 @@ PLAYER_TEST(MarkTest, RowsCrossForATeamOnTheRight) {
   for (int i = 1; i <= 11; ++i) m.p.see(1, i, -14, -9).headLastTimeSeen = 0;
   m.p.see(0, 5, 3, 4);
   EXPECT_TRUE(m.run());
-  expectPoint(m.point(), 2.7, 3.6);
+  expectPoint(m.point(), 2.7, 3.6, kMarkMargin);
   EXPECT_TRUE(m.p.player.mark->ourSide);
 }
 

@@ -8,13 +8,13 @@
 #include <sstream>
 
 #include "Connection/exception.h"
+#include "support/Loopback.h"
 
 namespace {
 
 using rcss::net::Addr;
 using rcss::net::HostNotFound;
-
-constexpr Addr::HostType kLoopback = 0x7F000001;
+using support::kLoopback;
 
 // A label may not be longer than 63 characters, so no resolver needs a network to refuse this one.
 const std::string kUnresolvable = std::string(80, 'x') + ".invalid";

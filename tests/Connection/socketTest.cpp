@@ -12,14 +12,14 @@
 #include <type_traits>
 
 #include "Connection/tcpsocket.h"
+#include "support/Loopback.h"
 
 namespace {
 
 using rcss::net::Addr;
 using rcss::net::Socket;
 using rcss::net::TCPSocket;
-
-constexpr Addr::HostType kLoopback = 0x7F000001;
+using support::kLoopback;
 
 bool isOpenDescriptor(int fd) {
   return fcntl(fd, F_GETFD) != -1;

@@ -4,12 +4,13 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
+#include "support/Loopback.h"
+
 namespace {
 
 using rcss::net::Addr;
 using rcss::net::TCPSocket;
-
-constexpr Addr::HostType kLoopback = 0x7F000001;
+using support::kLoopback;
 
 TEST(TCPSocketTest, HasADescriptorFromTheBeginning) {
   const TCPSocket socket;

@@ -28,7 +28,7 @@ namespace {
 
 using support::TestPlayer;
 
-void expectPoint(Vector actual, double x, double y, const std::string& what = "") {
+void expectAbout(Vector actual, double x, double y, const std::string& what = "") {
   EXPECT_NEAR(actual.getX(), x, 2e-3) << what;
   EXPECT_NEAR(actual.getY(), y, 2e-3) << what;
 }
@@ -135,7 +135,7 @@ void expectRole(TestPlayer& p, int number, const std::string& what) {
   }
   EXPECT_TRUE(rolePlayed()) << what;
   EXPECT_TRUE(wentByDecide(p)) << what;
-  expectPoint(p.player.decide->lastPos, kPlaces[number][0], kPlaces[number][1], what);
+  expectAbout(p.player.decide->lastPos, kPlaces[number][0], kPlaces[number][1], what);
 }
 
 void expectNoRole(TestPlayer& p, const std::string& what) {
@@ -774,7 +774,7 @@ PLAYER_TEST(DecisionGoalieTest, WalksToABallThatLeavesBesideTheGoal) {
   Shot shot;
   EXPECT_TRUE(shot.at(3));
   EXPECT_EQ(shot.p.player.dive->Side, 7);
-  expectPoint(shot.p.player.turn->v, -14.2, 3);
+  expectAbout(shot.p.player.turn->v, -14.2, 3);
   EXPECT_TRUE(has(shot.p.log(),
                   "dive nakard!!!\nisingoal : 0 fc.fastest.reachCycle : 0  ballVel : (vector: "));
   EXPECT_TRUE(has(shot.p.log(), "  point.getX() : -14.200000\n"));
@@ -815,7 +815,7 @@ PLAYER_TEST(DecisionGoalieTest, ABallBehindTheLineIsNoDive) {
   EXPECT_TRUE(shot.at(2, 0, -14.1));
   EXPECT_EQ(shot.p.player.dive->Side, 7);
   EXPECT_TRUE(has(shot.p.log(), "GOALIE :: \n"));
-  expectPoint(shot.p.player.turn->v, -14.1, 2);
+  expectAbout(shot.p.player.turn->v, -14.1, 2);
 }
 
 PLAYER_TEST(DecisionGoalieTest, StandsUpOnlyWithNothingElseToDo) {
@@ -966,7 +966,7 @@ PLAYER_TEST(DecisionBallActionTest, OnlyAttackersBlockTheOpposingGoalie) {
   EXPECT_NEAR(at.getY(), 0, 0.05);
   EXPECT_LT(at.getX(), -2);
   Claim halfBack(7, -8, -1);
-  expectPoint(play(halfBack, "u07rc02"), -7, 1.6);
+  expectAbout(play(halfBack, "u07rc02"), -7, 1.6);
   Claim defender(4, -8, -1);
   play(defender, "u04rc02");
   EXPECT_FALSE(wentByDecide(defender.p));
@@ -976,10 +976,10 @@ PLAYER_TEST(DecisionBallActionTest, WithNobodyToMarkAttackersPositionAndDefender
   Claim attacker(9, -8);
   attacker.answer("u09rc02");
   EXPECT_TRUE(wentByDecide(attacker.p));
-  expectPoint(attacker.p.player.decide->lastPos, -1, 1.5);
+  expectAbout(attacker.p.player.decide->lastPos, -1, 1.5);
   Claim halfBack(7, -8);
   halfBack.answer("u07rc02");
-  expectPoint(halfBack.p.player.decide->lastPos, -7, 1.6);
+  expectAbout(halfBack.p.player.decide->lastPos, -7, 1.6);
   Claim defender(4, -8);
   defender.answer("u04rc02");
   EXPECT_FALSE(wentByDecide(defender.p));
@@ -1112,15 +1112,15 @@ PLAYER_TEST(DecisionPositioningTest, ProtectGoalShiftsByTheGapToTheBallsLine) {
   stand(0, 6, 0.8f);
   arm(p);
   EXPECT_TRUE(de.protectGoal());
-  expectPoint(p.player.decide->lastPos, -13.6, -4.2);  // 3 / 3 - 14.6
+  expectAbout(p.player.decide->lastPos, -13.6, -4.2);  // 3 / 3 - 14.6
   stand(0, 8, 2.5f);
   arm(p);
   de.protectGoal();
-  expectPoint(p.player.decide->lastPos, -13.6, -2.5);
+  expectAbout(p.player.decide->lastPos, -13.6, -2.5);
   stand(0, 7, 1.5f);  // as near, but earlier in the table
   arm(p);
   de.protectGoal();
-  expectPoint(p.player.decide->lastPos, -13.6, -3.5);
+  expectAbout(p.player.decide->lastPos, -13.6, -3.5);
   // Others stand deeper: 3 / 7.5 - 14.8.
   de.unum = 2;
   arm(p);
@@ -1141,7 +1141,7 @@ PLAYER_TEST(DecisionPositioningTest, ProtectGoalOfATeamOnTheRightLooksAtTheOther
   p.cycle();
   // The opponent 8 is 1 m above the ball's line; the teammate at 0.1 is not looked at. The entries
   // never seen lie at y 0, 2 m off.
-  expectPoint(p.player.decide->lastPos, -13.6, 1);
+  expectAbout(p.player.decide->lastPos, -13.6, 1);
 }
 
 PLAYER_TEST(DecisionPositioningTest, TheDangerZoneIsOpenOnAllSides) {

@@ -30,7 +30,7 @@ struct NamedMode {
   const char* name;
 };
 
-constexpr NamedMode kModes[] = {
+constexpr NamedMode kNamedModes[] = {
     {PM_BEFORE_KICK_OFF, "BeforeKickOff"},
     {PM_KICK_OFF_LEFT, "KickOff_Left"},
     {PM_KICK_OFF_RIGHT, "KickOff_Right"},
@@ -51,7 +51,7 @@ constexpr NamedMode kModes[] = {
 };
 
 TEST(ConverterPlayModeNamesTest, EveryModeHasItsName) {
-  for (const NamedMode& named : kModes) {
+  for (const NamedMode& named : kNamedModes) {
     EXPECT_STREQ(getPlayModeStr(named.mode), named.name);
     EXPECT_STREQ(PlayModeNames[named.mode], named.name);
     EXPECT_EQ(getPlayModeFormStr(named.name), named.mode) << named.name;

@@ -2,19 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "support/PointCheck.h"
+
 namespace {
 
-Matrix<4, 4> quarterTurnAboutZ() {
-  Matrix<4, 4> m;
-  m.rotationByZ(90);
-  return m;
-}
-
-void expectNear(const Vector& actual, float x, float y, float z) {
-  EXPECT_NEAR(actual.x, x, 1e-5);
-  EXPECT_NEAR(actual.y, y, 1e-5);
-  EXPECT_NEAR(actual.z, z, 1e-5);
-}
+using support::expectNear;
+using support::quarterTurnAboutZ;
 
 TEST(ObjectTest, StartsUnseenAtTheOrigin) {
   const Object object;

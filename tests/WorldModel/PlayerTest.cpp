@@ -4,21 +4,14 @@
 
 #include <string>
 
+#include "support/PointCheck.h"
+
 namespace {
 
+using support::expectNear;
+using support::quarterTurnAboutZ;
+
 constexpr float kNow = 10.0f;
-
-Matrix<4, 4> quarterTurnAboutZ() {
-  Matrix<4, 4> m;
-  m.rotationByZ(90);
-  return m;
-}
-
-void expectNear(const Vector& actual, float x, float y, float z) {
-  EXPECT_NEAR(actual.x, x, 1e-5);
-  EXPECT_NEAR(actual.y, y, 1e-5);
-  EXPECT_NEAR(actual.z, z, 1e-5);
-}
 
 Player seenWithAllParts(float time) {
   Player player;

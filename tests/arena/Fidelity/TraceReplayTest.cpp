@@ -14,7 +14,7 @@
 namespace arena {
 namespace {
 
-struct Scene {
+struct RecordedScene {
   const char* name;
   // Rows over which it must stay within the tolerances; 0: until a fall makes its first contact.
   std::size_t rows;
@@ -22,7 +22,7 @@ struct Scene {
 
 constexpr std::size_t kUntilFall = 0;
 
-class TraceReplayTest : public testing::TestWithParam<Scene> {};
+class TraceReplayTest : public testing::TestWithParam<RecordedScene> {};
 
 TEST_P(TraceReplayTest, IsFollowedWithinTheTolerances) {
   const Trace trace = readTrace(std::string(QUOLNARIS_SOURCE_DIR "/tests/data/traces/") +
@@ -42,7 +42,7 @@ TEST_P(TraceReplayTest, IsFollowedWithinTheTolerances) {
 }
 
 // Afterwards the robot ends as the recorded one: lying or standing.
-class TraceReplayEndTest : public testing::TestWithParam<Scene> {};
+class TraceReplayEndTest : public testing::TestWithParam<RecordedScene> {};
 
 TEST_P(TraceReplayEndTest, IsLikeTheRecordedScenes) {
   const Trace trace = readTrace(std::string(QUOLNARIS_SOURCE_DIR "/tests/data/traces/") +
@@ -57,45 +57,45 @@ TEST_P(TraceReplayEndTest, IsLikeTheRecordedScenes) {
   EXPECT_NEAR(reached, recorded, 0.03);
 }
 
-const std::vector<Scene> kScenes{Scene{"ball_lob", kUntilFall},
-                                 Scene{"ball_robot", kUntilFall},
-                                 Scene{"ball_roll", kUntilFall},
-                                 Scene{"ball_wall", kUntilFall},
-                                 Scene{"drop", kUntilFall},
-                                 Scene{"fall_back", kUntilFall},
-                                 Scene{"fall_front", kUntilFall},
-                                 Scene{"fall_side", kUntilFall},
-                                 Scene{"flail_type0", kUntilFall},
-                                 Scene{"flail_type2", 250},
-                                 Scene{"flail_type3", kUntilFall},
-                                 Scene{"kick", kUntilFall},
-                                 Scene{"one_joint_each", kUntilFall},
-                                 Scene{"quiet_type0", kUntilFall},
-                                 Scene{"quiet_type1", kUntilFall},
-                                 Scene{"quiet_type2", kUntilFall},
-                                 Scene{"quiet_type3", kUntilFall},
-                                 Scene{"quiet_type4", kUntilFall},
-                                 Scene{"squat_type0", kUntilFall},
-                                 Scene{"squat_type1", kUntilFall},
-                                 Scene{"squat_type2", kUntilFall},
-                                 Scene{"squat_type3", kUntilFall},
-                                 Scene{"squat_type4", kUntilFall},
-                                 Scene{"stops", kUntilFall},
-                                 Scene{"stride", kUntilFall},
-                                 Scene{"tread_type0", kUntilFall},
-                                 Scene{"tread_type1", kUntilFall},
-                                 Scene{"tread_type3", 140},
-                                 Scene{"tread_type4", 180}};
+const std::vector<RecordedScene> kScenes{RecordedScene{"ball_lob", kUntilFall},
+                                         RecordedScene{"ball_robot", kUntilFall},
+                                         RecordedScene{"ball_roll", kUntilFall},
+                                         RecordedScene{"ball_wall", kUntilFall},
+                                         RecordedScene{"drop", kUntilFall},
+                                         RecordedScene{"fall_back", kUntilFall},
+                                         RecordedScene{"fall_front", kUntilFall},
+                                         RecordedScene{"fall_side", kUntilFall},
+                                         RecordedScene{"flail_type0", kUntilFall},
+                                         RecordedScene{"flail_type2", 250},
+                                         RecordedScene{"flail_type3", kUntilFall},
+                                         RecordedScene{"kick", kUntilFall},
+                                         RecordedScene{"one_joint_each", kUntilFall},
+                                         RecordedScene{"quiet_type0", kUntilFall},
+                                         RecordedScene{"quiet_type1", kUntilFall},
+                                         RecordedScene{"quiet_type2", kUntilFall},
+                                         RecordedScene{"quiet_type3", kUntilFall},
+                                         RecordedScene{"quiet_type4", kUntilFall},
+                                         RecordedScene{"squat_type0", kUntilFall},
+                                         RecordedScene{"squat_type1", kUntilFall},
+                                         RecordedScene{"squat_type2", kUntilFall},
+                                         RecordedScene{"squat_type3", kUntilFall},
+                                         RecordedScene{"squat_type4", kUntilFall},
+                                         RecordedScene{"stops", kUntilFall},
+                                         RecordedScene{"stride", kUntilFall},
+                                         RecordedScene{"tread_type0", kUntilFall},
+                                         RecordedScene{"tread_type1", kUntilFall},
+                                         RecordedScene{"tread_type3", 140},
+                                         RecordedScene{"tread_type4", 180}};
 
 // Who throws his limbs about on the ground ends anyhow; this one on his other side.
-std::vector<Scene> scenesThatEndAlike() {
-  std::vector<Scene> scenes = kScenes;
-  std::erase_if(scenes,
-                [](const Scene& scene) { return scene.name == std::string("flail_type0"); });
+std::vector<RecordedScene> scenesThatEndAlike() {
+  std::vector<RecordedScene> scenes = kScenes;
+  std::erase_if(
+      scenes, [](const RecordedScene& scene) { return scene.name == std::string("flail_type0"); });
   return scenes;
 }
 
-std::string nameOfScene(const testing::TestParamInfo<Scene>& scene) {
+std::string nameOfScene(const testing::TestParamInfo<RecordedScene>& scene) {
   return scene.param.name;
 }
 

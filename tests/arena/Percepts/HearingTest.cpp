@@ -7,7 +7,7 @@
 namespace arena {
 namespace {
 
-const std::array<std::string, 2> kNames{"Alpha", "Beta"};
+const std::array<std::string, 2> kTeams{"Alpha", "Beta"};
 constexpr int kSelf = 5;
 
 Utterance said(int speaker, Side side, const std::string& text, const Eigen::Vector3d& place) {
@@ -21,7 +21,7 @@ class HearingTest : public testing::Test {
   }
   std::string heard() {
     std::string text;
-    hearing.write(kNames, 12.34, text);
+    hearing.write(kTeams, 12.34, text);
     return text;
   }
 
@@ -77,7 +77,7 @@ TEST_F(HearingTest, KeepsTheSpeakersTeamsWhenSidesChange) {
   hear(said(kSelf, Side::Left, "mine", {1.0, 2.0, 0.38}));
   hearing.changeSides();
   std::string text;
-  hearing.write({kNames[1], kNames[0]}, 300.0, text);
+  hearing.write({kTeams[1], kTeams[0]}, 300.0, text);
   EXPECT_EQ(text, "(hear Alpha 300.00 self mine)(hear Beta 300.00 90.00 enemy)");
 }
 

@@ -50,7 +50,7 @@ double place(const json& request, const char* name) {
 }
 
 std::string side(const json& request, bool orNone) {
-  const auto text = request.at("side").get<std::string>();
+  auto text = request.at("side").get<std::string>();
   if (text != "Left" && text != "Right" && !(orNone && text == "None")) throw NoCommand();
   return text;
 }

@@ -19,6 +19,8 @@ class Workers {
   Workers(const Workers&) = delete;
   Workers& operator=(const Workers&) = delete;
 
+  int threads() const { return static_cast<int>(others_) + 1; }
+
   // Calls piece(i) once for each i below count, and returns when all have ended. Of what the pieces
   // throw, one is thrown on. Not to be called from a piece.
   void run(std::size_t count, const std::function<void(std::size_t)>& piece);

@@ -36,6 +36,11 @@ constexpr FramedConnection::Limits kMonitorLimits{.frameLength = std::size_t{64}
 // so that there is always room for the one that follows.
 constexpr std::size_t kMonitorBacklog = std::size_t{512} << 10;
 
+// With fewer threads the players keep the other core busy, and for fewer agents waking a thread that reads what
+// they send takes longer than reading it afterwards.
+constexpr int kThreadsWorthEvents = 3;
+constexpr std::size_t kAgentsWorthEvents = 4;
+
 // A share lasts until its frames or its bytes are used up; the frame with which that happens may go
 // beyond. Of an agent without a robot only its scene matters.
 constexpr std::size_t kSceneFrames = 8;
@@ -75,6 +80,7 @@ ArenaServer::ArenaServer(Match& match, const ServerOptions& options,
   monitorDoor_.enter = [this](Tcp::socket socket) { addMonitor(std::move(socket)); };
   accept(agentDoor_);
   accept(monitorDoor_);
+  if (match_.workers().threads() >= kThreadsWorthEvents) eventThread_.emplace(io_);
 }
 
 ArenaServer::~ArenaServer() {
@@ -121,12 +127,17 @@ void ArenaServer::accept(Door& door) {
       [this, &door](const boost::system::error_code& error, Tcp::socket socket) {
         if (error == boost::asio::error::operation_aborted) return;
         if (!error) {
-          door.enter(std::move(socket));
-          accept(door);
+          const auto guest = std::make_shared<Tcp::socket>(std::move(socket));
+          onceStill([this, &door, guest] {
+            door.enter(std::move(*guest));
+            accept(door);
+          });
           return;
         }
         // The one who waits at the door would make the next try fail as well.
-        log_(std::string(door.who) + " cannot be let in: " + error.message());
+        onceStill([this, &door, error] {
+          log_(std::string(door.who) + " cannot be let in: " + error.message());
+        });
         door.pause.expires_after(kAcceptPause);
         door.pause.async_wait([this, &door](const boost::system::error_code& cancelled) {
           if (!cancelled) accept(door);
@@ -144,7 +155,10 @@ void ArenaServer::addAgent(Tcp::socket socket) {
   session.id = match_.connect();
   session.connection = std::make_shared<FramedConnection>(std::move(socket), kAgentLimits);
   session.waitingSince = Clock::now();
-  session.connection->start([this, &session] { onAgentEvent(session); });
+  session.connection->start([this, &session] {
+    session.heard = true;
+    if (!calculating_) dealWith(session);
+  });
 }
 
 void ArenaServer::addMonitor(Tcp::socket socket) {
@@ -156,7 +170,10 @@ void ArenaServer::addMonitor(Tcp::socket socket) {
   MonitorSession& session = monitors_.emplace_back();
   session.stream = MonitorStream(match_.halfTime());
   session.connection = std::make_shared<FramedConnection>(std::move(socket), kMonitorLimits);
-  session.connection->start([this, &session] { readCommands(session); });
+  session.connection->start([this, &session] {
+    session.heard = true;
+    if (!calculating_) dealWith(session);
+  });
   session.connection->send(session.stream.next(match_.scene(), match_.game(), passWait()));
 }
 
@@ -171,7 +188,8 @@ std::string ArenaServer::take(FramedConnection& connection, Share& used) {
   return frame;
 }
 
-void ArenaServer::onAgentEvent(AgentSession& session) {
+void ArenaServer::dealWith(AgentSession& session) {
+  if (!std::exchange(session.heard, false)) return;
   readForScene(session);
   if (!options_.realTime) catchUp(session);
   session.waitingSince = Clock::now();
@@ -207,6 +225,10 @@ void ArenaServer::readCommands(MonitorSession& session) {
     session.toldDropping = true;
     log_("monitor sends more commands than can wait, some are dropped");
   }
+}
+
+void ArenaServer::dealWith(MonitorSession& session) {
+  if (std::exchange(session.heard, false)) readCommands(session);
 }
 
 // With each cycle; while the clock stands there is none, and what comes is read at once.
@@ -322,9 +344,32 @@ void ArenaServer::cycle() {
   if (observer_) observer_(report_);
 }
 
+void ArenaServer::onceStill(std::function<void()> deed) {
+  if (calculating_) {
+    deferred_.push_back(std::move(deed));
+  } else {
+    deed();
+  }
+}
+
+void ArenaServer::stepBesideSockets() {
+  calculating_ = true;
+  eventThread_->begin();
+  match_.step();
+  eventThread_->end();
+  calculating_ = false;
+  for (AgentSession& session : agents_) dealWith(session);
+  for (MonitorSession& session : monitors_) dealWith(session);
+  for (const auto& deed : std::exchange(deferred_, {})) deed();
+}
+
 void ArenaServer::stepMatch() {
   const Clock::time_point start = Clock::now();
-  match_.step();
+  if (eventThread_ && agents_.size() >= kAgentsWorthEvents) {
+    stepBesideSockets();
+  } else {
+    match_.step();
+  }
   const std::chrono::duration<double> taken = Clock::now() - start;
   if (taken < kSlowStep || std::exchange(toldSlowStep_, true)) return;
   char text[100];

@@ -10,12 +10,14 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Match/Match.h"
 #include "Monitor/MonitorStream.h"
+#include "Net/EventThread.h"
 #include "Net/FramedConnection.h"
 
 namespace arena {
@@ -103,9 +105,10 @@ class ArenaServer {
   struct AgentSession {
     Match::AgentId id;
     std::shared_ptr<FramedConnection> connection;
-    Share used;        // by what came before its scene
-    long applied = 0;  // messages handed to the match; the one with the scene is the first
-    long given = 0;    // frames given to the agent
+    bool heard = false;  // something has arrived, or it has ended
+    Share used;          // by what came before its scene
+    long applied = 0;    // messages handed to the match; the one with the scene is the first
+    long given = 0;      // frames given to the agent
     long forgiven =
         0;  // messages that it owes and that are not waited for, at most given - applied
     Clock::time_point waitingSince;  // last sign of life, or last frame given to it
@@ -117,6 +120,7 @@ class ArenaServer {
   struct MonitorSession {
     std::shared_ptr<FramedConnection> connection;
     MonitorStream stream;
+    bool heard = false;
     Share used;
     bool toldSlow = false;      // that it loses messages by not reading has been logged
     bool toldDropping = false;  // that commands of it are lost, too
@@ -130,7 +134,9 @@ class ArenaServer {
   void accept(Door& door);
   void addAgent(Tcp::socket socket);
   void addMonitor(Tcp::socket socket);
-  void onAgentEvent(AgentSession& session);
+  // What a session has been heard of since the last time.
+  void dealWith(AgentSession& session);
+  void dealWith(MonitorSession& session);
   // Without a robot nothing is answered: what comes is read as soon as the share allows.
   void readForScene(AgentSession& session);
   // Lockstep: hands over answers whose cycle has passed. There may be more of them than can wait.
@@ -149,7 +155,11 @@ class ArenaServer {
   void waitForTick();
 
   void cycle();
+  // Calculates the match, with the sockets served beside if that is worth a thread.
   void stepMatch();
+  void stepBesideSockets();
+  // Does it at once, or after the calculation that is under way.
+  void onceStill(std::function<void()> deed);
   void removeEnded();
   void closeAll();
   // Hands a message to the match.
@@ -164,6 +174,9 @@ class ArenaServer {
   ServerOptions options_;
   std::function<void(const std::string&)> log_;
   boost::asio::io_context io_;
+  std::optional<EventThread> eventThread_;
+  bool calculating_ = false;  // the sockets are served beside it
+  std::vector<std::function<void()>> deferred_;
   Door agentDoor_{io_, "agent"};
   Door monitorDoor_{io_, "monitor"};
   boost::asio::signal_set signals_;

@@ -321,7 +321,7 @@ std::string playRole(unsigned short port, const Role& role, int frames, unsigned
   return stream;
 }
 
-std::vector<std::string> playMatch(unsigned chance) {
+std::vector<std::string> playMatch(unsigned chance, int threads) {
   const std::vector<Role> roles{{1, "Alpha", 0}, {2, "Alpha", 4}, {3, "Alpha", 1},
                                 {1, "Beta", 3},  {2, "Beta", 2},  {5, "Beta", 0}};
   ServerOptions options;
@@ -329,25 +329,29 @@ std::vector<std::string> playMatch(unsigned chance) {
   options.agentTimeout = 20.0;
   MatchOptions matchOptions;
   matchOptions.seed = 77;
+  matchOptions.threads = threads;
   Arena arena(options, matchOptions);
   std::vector<std::string> streams(roles.size());
-  std::vector<std::thread> threads;
+  std::vector<std::thread> players;
   for (std::size_t i = 0; i < roles.size(); ++i) {
-    threads.emplace_back([&, i] {
+    players.emplace_back([&, i] {
       streams[i] = playRole(arena.agents(), roles[i], 150, chance * 100 + static_cast<unsigned>(i));
     });
   }
-  for (std::thread& thread : threads) thread.join();
+  for (std::thread& player : players) player.join();
   return streams;
 }
 
+// With one thread what the players send is read after each step of the match, with three beside it.
 TEST(ArenaServerRepeatabilityTest, GivesTheSamePerceptsWhoeverIsFaster) {
-  const std::vector<std::string> once = playMatch(1);
-  const std::vector<std::string> again = playMatch(2);
+  const std::vector<std::string> once = playMatch(1, 1);
+  const std::vector<std::string> again = playMatch(2, 1);
+  const std::vector<std::string> beside = playMatch(3, 3);
   ASSERT_EQ(once.size(), again.size());
   for (std::size_t i = 0; i < once.size(); ++i) {
     EXPECT_GT(once[i].size(), 100000u);
     EXPECT_TRUE(once[i] == again[i]) << "player " << i;
+    EXPECT_TRUE(once[i] == beside[i]) << "player " << i;
   }
 }
 
@@ -458,6 +462,36 @@ TEST_F(ArenaServerTest, CarriesOutAllCommandsOfATrainerWhoLeavesAtOnce) {
   trainer.close();
   for (int i = 0; i < 2000 && !contains(player.last(), "(sl 1000)"); ++i) playOn(1);
   EXPECT_TRUE(contains(player.last(), "(sl 1000)"));
+}
+
+// The sockets are served beside the match: whoever floods, comes and goes does it while that is
+// calculated.
+TEST(ArenaServerBesideTest, PlaysOnAndHeedsATrainerWhileAllOthersMisbehave) {
+  MatchOptions matchOptions;
+  matchOptions.threads = 3;
+  Arena arena(impatient(), matchOptions);
+  Companion player(arena.agents());
+  ASSERT_TRUE(player.follow(10));
+  std::vector<std::unique_ptr<Client>> silent;
+  for (int number = 2; number <= 5; ++number) {
+    silent.push_back(std::make_unique<Player>(arena.agents(), number, "Alpha"));
+  }
+  Flood floods[] = {{arena.agents(), "(syn)"},
+                    {arena.agents(), std::string(60000, '(')},
+                    {arena.monitors(), "(select)"}};
+  std::atomic<bool> done{false};
+  std::thread door([&] {
+    while (!done) Client(arena.agents()).reset();
+  });
+  EXPECT_TRUE(player.follow(200));
+  Client trainer(arena.monitors());
+  trainer.send("(playMode PlayOn)");
+  trainer.close();
+  for (int i = 0; i < 2000 && !contains(player.last(), "PlayOn"); ++i)
+    EXPECT_TRUE(player.follow(1));
+  EXPECT_TRUE(contains(player.last(), "PlayOn"));
+  done = true;
+  door.join();
 }
 
 TEST(ArenaServerRealTimeTest, PlaysOnWhileAgentsAndMonitorsFlood) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <boost/asio.hpp>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -88,7 +89,7 @@ void play(FramedLink& player, const std::vector<std::string>& frames, const Opti
 
 double percentile(const std::vector<double>& sorted, double p) {
   const auto last = static_cast<double>(sorted.size() - 1);
-  return sorted[static_cast<std::size_t>(p * last + 0.5)];
+  return sorted[static_cast<std::size_t>(std::lround(p * last))];
 }
 
 void report(Result& result) {

@@ -16,8 +16,6 @@
 #include <stdexcept>
 #include <thread>
 
-extern char** environ;
-
 namespace viewer {
 
 namespace {
@@ -72,6 +70,7 @@ class Scratch {
 // Starts a program whose output, both kinds, goes to `output`; -1 if it cannot be started.
 pid_t start(const std::vector<std::string>& command, const fs::path& output) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;
@@ -150,7 +149,7 @@ Minds::State Minds::ask(const std::string& player) {
 }
 
 Minds::State Minds::wait(const std::string& player) {
-  const State known = ask(player);
+  State known = ask(player);
   if (known.kind == State::Kind::Unknown) return known;
   const std::shared_ptr<Work> asked = work(player);
   if (asked->thread.joinable()) asked->thread.join();

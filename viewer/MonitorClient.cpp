@@ -32,7 +32,7 @@ MonitorClient::~MonitorClient() {
 void MonitorClient::start() {
   resolver_.async_resolve(
       host_, port_,
-      [this](const boost::system::error_code& error, Tcp::resolver::results_type found) {
+      [this](const boost::system::error_code& error, const Tcp::resolver::results_type& found) {
         if (error == boost::asio::error::operation_aborted) return;
         if (error) return onLost(error.message());
         auto socket = std::make_shared<Tcp::socket>(io_);

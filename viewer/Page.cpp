@@ -7,16 +7,16 @@
 // clang-format off
 asm(
     ".pushsection .rodata\n"
-    ".global viewerPageBegin\n"
-    ".global viewerPageEnd\n"
-    "viewerPageBegin:\n"
+    ".global kViewerPageBegin\n"
+    ".global kViewerPageEnd\n"
+    "kViewerPageBegin:\n"
     ".incbin \"" QUOLNARIS_PAGE_FILE "\"\n"
-    "viewerPageEnd:\n"
+    "kViewerPageEnd:\n"
     ".byte 0\n"
     ".popsection\n");
 // clang-format on
-extern "C" const char viewerPageBegin[];
-extern "C" const char viewerPageEnd[];
+extern "C" const char kViewerPageBegin[];
+extern "C" const char kViewerPageEnd[];
 
 namespace viewer {
 
@@ -32,7 +32,7 @@ void appendScript(std::string& text, const std::string& attributes, const std::s
 }  // namespace
 
 std::string_view builtPage() {
-  return {viewerPageBegin, static_cast<std::size_t>(viewerPageEnd - viewerPageBegin)};
+  return {kViewerPageBegin, static_cast<std::size_t>(kViewerPageEnd - kViewerPageBegin)};
 }
 
 std::string base64(std::string_view bytes) {

@@ -1,5 +1,6 @@
 #include "Sources.h"
 
+#include <cmath>
 #include <filesystem>
 
 #include "Common/Pitch.h"
@@ -17,7 +18,7 @@ constexpr double kChunkSeconds = 5;
 constexpr double kLiveCycle = 2 * arena::kStepSeconds;
 
 std::size_t chunkCycles(double cycleSeconds) {
-  return static_cast<std::size_t>(kChunkSeconds / cycleSeconds + 0.5);
+  return static_cast<std::size_t>(std::lround(kChunkSeconds / cycleSeconds));
 }
 
 }  // namespace

@@ -36,8 +36,8 @@ constexpr FramedConnection::Limits kMonitorLimits{.frameLength = std::size_t{64}
 // so that there is always room for the one that follows.
 constexpr std::size_t kMonitorBacklog = std::size_t{512} << 10;
 
-// With fewer threads the players keep the other core busy, and for fewer agents waking a thread that reads what
-// they send takes longer than reading it afterwards.
+// With fewer threads the players keep the other core busy, and for fewer agents waking a thread
+// that reads what they send takes longer than reading it afterwards.
 constexpr int kThreadsWorthEvents = 3;
 constexpr std::size_t kAgentsWorthEvents = 4;
 

@@ -8,8 +8,8 @@ namespace arena {
 
 namespace {
 
-constexpr int cycles(float seconds) {
-  return static_cast<int>(seconds / kCycle + 0.5f);
+int cycles(float seconds) {
+  return static_cast<int>(std::lround(seconds / kCycle));
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ Eigen::Vector2d freeKickPlace(const Eigen::Vector2d& ball) {
 }
 
 Eigen::Vector2d dropBallPlace(const Eigen::Vector2d& ball) {
-  const Eigen::Vector2d place = freeKickPlace(ball);
+  Eigen::Vector2d place = freeKickPlace(ball);
   if (std::abs(place.y()) <= kHalfWidth) return place;
   return {place.x(), withSignOf(place.y(), kHalfWidth - kBallRadius)};
 }

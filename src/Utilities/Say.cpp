@@ -36,7 +36,9 @@ bool Say::isFall(const std::string& hear) {
 }
 
 void Say::calculatePlace(const std::string& hear) {
-  for (std::size_t i = 6; i <= 15; ++i) place[i - 6] = characterAt(hear, i);
+  // A byte beyond ASCII is a negative number.
+  for (std::size_t i = 6; i <= 15; ++i)
+    place[i - 6] = characterAt(hear, i);  // NOLINT(bugprone-signed-char-misuse)
 }
 
 void Say::setPlace(const int* p) {

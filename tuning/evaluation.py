@@ -298,10 +298,33 @@ def _sides(run: Run) -> tuple[str, str, str]:
     return "left", "right", RIVALS_ON_THE_RIGHT
 
 
+def set_plays_script(seed: int, side: str, pause: float, duration: float) -> str:
+    """Calls a set play of ours every `pause` seconds, its kind and the ball's place drawn by the seed."""
+    draw = random.Random(seed)
+    sign = 1 if side == "left" else -1
+    lines = []
+    for number in range(math.ceil(duration / pause)):
+        mode = draw.choice(("KickIn", "free_kick", "corner_kick"))
+        x, y = draw.uniform(-10, 10), draw.uniform(-7, 7)
+        if mode != "free_kick":
+            y = math.copysign(9.9, y)
+        if mode == "corner_kick":
+            x = 14.9
+        cycle = _READY + round(number * pause / CYCLE)
+        # Who set the mode first would have the ball put back to where it was.
+        lines.append(f"{cycle} (playMode PlayOn)(ball (pos {sign * x:.3f} {sign * y:.3f} 0.042)(vel 0 0 0))")
+        lines.append(f"{cycle + 2} (playMode {mode}_{side.capitalize() if mode == 'KickIn' else side})")
+    return "\n".join(lines) + "\n"
+
+
 def _play_rivals(run: Run, stage: Stage, rivals: _Team, side: str) -> dict[str, Any]:
     """The figures of the candidate against `rivals`."""
     team = _Team(TEAM, run.configs, _types(run.options["players"], None))
-    figures = _play(stage, [team, rivals], run, _kick_off(run))
+    script = _kick_off(run)
+    # Where a run says nothing of set plays they come as they come.
+    if pause := run.options.get("set_plays", 0):
+        script = set_plays_script(run.seed, side, pause, run.options["duration"])
+    figures = _play(stage, [team, rivals], run, script)
     if figures["teams"][side]["name"] != TEAM:
         raise RunFailed(f"the candidate does not play on the {side}")
     return figures

@@ -50,6 +50,9 @@ _KICK_OFF = Option(
     "early", _one_of("early", "auto"), "'early' after 5 s, or 'auto' by the referee after 30 s"
 )
 _TYPE = Option(None, _whole(0, 4), "robot type; by the number unless given")
+_SET_PLAYS = Option(
+    0, _number(0, 600), "seconds from one of our set plays to the next, from the start on; 0: as they come"
+)
 _SIDE = Option("both", _one_of("left", "right", "both"), "ours; 'both': right in runs with an odd seed")
 
 
@@ -212,6 +215,7 @@ KINDS: dict[str, Kind] = {
             "side": _SIDE,
             "duration": _duration(300),
             "kick_off": _KICK_OFF,
+            "set_plays": _SET_PLAYS,
         },
         tuple(_TEAM_METRICS),
         "still",
@@ -227,6 +231,7 @@ KINDS: dict[str, Kind] = {
             "side": _SIDE,
             "duration": _duration(300),
             "kick_off": _KICK_OFF,
+            "set_plays": _SET_PLAYS,
         },
         (*_TEAM_METRICS, "rival_falls_per_minute"),
         "match",

@@ -41,15 +41,23 @@ const char* const kHingeNames[] = {"lae1", "rae1", "lae2", "rae2", "lae3", "rae3
                                    "lle1", "rle1", "lle2", "rle2", "lle3", "rle3", "lle4", "rle4",
                                    "lle5", "rle5", "lle6", "rle6", "lle7", "rle7", "he1",  "he2"};
 
-// A directory with the deployment's configuration, the overrides written behind it, and a place for
-// the logs.
+// Every role is played and the set-play taker kicks, whatever the deployment makes of them.
+const TestPlayer::Overrides kFullTeam = {
+    {"Agent", "AgentPost", "P", "3 2 2 2 2 1 1 1 0 0 0"},
+    {"decision", "time", "t", "0 0 6 6 6 6 0 0 6 6"},
+};
+
+// A directory with the deployment's configuration, a full team and the overrides written behind it,
+// and a place for the logs.
 void furnish(const TempDirectory& directory, const TestPlayer::Overrides& overrides) {
   namespace fs = std::filesystem;
   fs::create_directories(directory.path() / "Logs");
   fs::copy(fs::path(QUOLNARIS_SOURCE_DIR) / "Configs", directory.path() / "Configs");
-  for (const auto& [file, group, key, text] : overrides) {
-    std::ofstream out(directory.path() / "Configs" / (file + ".conf"), std::ios::app);
-    out << "\n[" << group << "]\n" << key << " = " << text << "\n";
+  for (const TestPlayer::Overrides& entries : {kFullTeam, overrides}) {
+    for (const auto& [file, group, key, text] : entries) {
+      std::ofstream out(directory.path() / "Configs" / (file + ".conf"), std::ios::app);
+      out << "\n[" << group << "]\n" << key << " = " << text << "\n";
+    }
   }
 }
 

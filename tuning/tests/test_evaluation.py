@@ -1,6 +1,7 @@
 """Runs of the real player."""
 
 import os
+import re
 import signal
 import subprocess
 import sys
@@ -14,7 +15,7 @@ import pytest
 
 from tuning import paths
 from tuning.configs import Configs, set_value
-from tuning.evaluation import TEAM, Run, evaluate
+from tuning.evaluation import TEAM, Run, evaluate, set_plays_script
 from tuning.scenarios import KINDS, read_scenario
 from tuning.stage import RunFailed, Stage
 
@@ -42,7 +43,7 @@ SHORT = [
     ("kick-off", {"duration": 5}),
     ("striker", {"duration": 8, "placed": True}),
     ("still", {"duration": 4, "players": [9, 10], "rivals": 2}),
-    ("match", {"duration": 4, "players": [9, 11], "rivals": [10, 11]}),
+    ("match", {"duration": 4, "players": [9, 11], "rivals": [10, 11], "set_plays": 2}),
     ("course", {"seconds": 8}),
     ("turn", {"seconds": 3}),
     ("get-up", {"seconds": 4}),
@@ -61,6 +62,34 @@ def test_the_same_seed_gives_the_same_figures_whatever_the_load(
         again = evaluate(run, details=True)
     assert again.figures == result.figures
     assert again.metrics == result.metrics
+
+
+def test_set_plays_are_ours_at_places_drawn_by_the_seed() -> None:
+    kinds = set()
+    for seed in range(20):
+        left = set_plays_script(seed, "left", 30, 100).splitlines()
+        assert [int(line.split()[0]) for line in left] == [250, 252, 1750, 1752, 3250, 3252, 4750, 4752]
+        for placing, calling in zip(left[::2], left[1::2], strict=True):
+            x, y = map(float, re.search(r"\(pos (\S+) (\S+) 0.042\)", placing).groups())
+            kind = re.fullmatch(r"\d+ \(playMode (KickIn_Left|(?:free|corner)_kick_left)\)", calling)[1]
+            kinds.add(kind)
+            assert abs(x) <= 10 or (kind == "corner_kick_left" and x == 14.9)
+            assert abs(y) <= 7 if kind == "free_kick_left" else abs(y) == 9.9
+        # The same from the other side: turned by half a turn.
+        right = set_plays_script(seed, "right", 30, 100)
+        assert right.count("_right)") + right.count("_Right)") == 4
+        assert [-float(n) for n in re.findall(r"pos (\S+)", "\n".join(left))] == [
+            float(n) for n in re.findall(r"pos (\S+)", right)
+        ]
+    assert len(kinds) == 3
+
+
+@pytest.mark.parametrize("kind", ["KickIn_Right", "free_kick_right", "corner_kick_right"])
+def test_a_called_set_play_stops_play(base: Configs, kind: str) -> None:
+    seed = next(seed for seed in range(1, 99, 2) if kind in set_plays_script(seed, "right", 30, 6))
+    run = first_run(base, "still", seed=seed, duration=6, players=[9], rivals=1, set_plays=30)
+    # Play goes on for the two cycles in which the ball is put there.
+    assert evaluate(run, details=True).figures["play_seconds"] < 0.2
 
 
 @pytest.mark.parametrize("seed, side", [(2, "left"), (3, "right")])

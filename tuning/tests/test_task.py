@@ -96,7 +96,9 @@ def test_ties_make_lists_equal_and_sums_whole(base: Configs) -> None:
 
 
 def test_a_list_follows_another_at_a_distance(base: Configs) -> None:
-    ties = TIES.replace("[[tie]]\nfile = \"omniBackWalk\"", "[[tie]]\nplus = [1, 0, -0.5, 0]\nfile = \"omniBackWalk\"")
+    ties = TIES.replace(
+        '[[tie]]\nfile = "omniBackWalk"', '[[tie]]\nplus = [1, 0, -0.5, 0]\nfile = "omniBackWalk"'
+    )
     assert ties != TIES
     task = parse(SMALL_TASK + ties, base)
     candidate = task.candidate({knob.name: 0.0 for knob in task.knobs})

@@ -4,11 +4,11 @@ namespace arena {
 namespace {
 
 std::string escaped(char c) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
+  constexpr std::string_view kHexDigits = "0123456789abcdef";
   if (c == '\\') return "\\\\";
   if (c >= ' ' && c <= '~') return {c};
   const auto byte = static_cast<unsigned char>(c);
-  return {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 0xf]};
+  return {'\\', 'x', kHexDigits[byte >> 4], kHexDigits[byte & 0xf]};
 }
 
 }  // namespace

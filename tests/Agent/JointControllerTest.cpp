@@ -81,17 +81,17 @@ TEST(JointControllerTest, NotANumberStopsTheJointAndLeavesTheMemory) {
 // The call that remembers the target leaves count at 0; each repeat adds 1.
 TEST(JointControllerTest, AStalledJointWithinSixDegreesArrivesAtTheTwoHundredthRepeat) {
   JointController c = moving();
-  constexpr float kTarget = 17;  // 5 degrees ahead of 12
-  EXPECT_FALSE(c.setAngle(kTarget, 50, 1, 6));
+  constexpr float kWanted = 17;  // 5 degrees ahead of 12
+  EXPECT_FALSE(c.setAngle(kWanted, 50, 1, 6));
   for (int repeat = 1; repeat < 200; ++repeat) {
-    ASSERT_FALSE(c.setAngle(kTarget, 50, 1, 6)) << repeat;
+    ASSERT_FALSE(c.setAngle(kWanted, 50, 1, 6)) << repeat;
     ASSERT_EQ(c.count, repeat);
     ASSERT_EQ(c.Angle, 2.5F);
   }
-  EXPECT_TRUE(c.setAngle(kTarget, 50, 1, 6));
+  EXPECT_TRUE(c.setAngle(kWanted, 50, 1, 6));
   EXPECT_EQ(c.count, 200);
   EXPECT_EQ(c.Angle, 0);
-  EXPECT_TRUE(c.setAngle(kTarget, 50, 1, 6));
+  EXPECT_TRUE(c.setAngle(kWanted, 50, 1, 6));
   EXPECT_EQ(c.count, 201);
 }
 

@@ -360,7 +360,7 @@ class Arguments {
   std::vector<char*> pointers;
 };
 
-constexpr char kAgent[] =
+constexpr char kAgentFile[] =
     "[Public]\nUniformNumber = 1\nTeamName = Us\nPenalty = false\nType = 0\n"
     "[Server]\nHostName = there\nPlayerPort = 1\n";
 
@@ -396,7 +396,7 @@ struct OptionCase {
 class ConfigCommandLineOptionTest : public testing::TestWithParam<OptionCase> {};
 
 TEST_P(ConfigCommandLineOptionTest, OverridesItsKey) {
-  ConfigFile file = fileOf(kAgent);
+  ConfigFile file = fileOf(kAgentFile);
   const Outcome outcome = apply(file, {"./player", GetParam().option, "new value"});
   EXPECT_TRUE(outcome.accepted);
   EXPECT_EQ(outcome.printed, "");
@@ -404,7 +404,7 @@ TEST_P(ConfigCommandLineOptionTest, OverridesItsKey) {
 }
 
 TEST_P(ConfigCommandLineOptionTest, NeedsAValue) {
-  ConfigFile file = fileOf(kAgent);
+  ConfigFile file = fileOf(kAgentFile);
   const Outcome outcome = apply(file, {"./player", GetParam().option});
   EXPECT_FALSE(outcome.accepted);
   EXPECT_EQ(outcome.printed, kUsage);
@@ -420,14 +420,14 @@ INSTANTIATE_TEST_SUITE_P(EveryOption, ConfigCommandLineOptionTest,
                                          OptionCase{"--type", "Public", "Type"}));
 
 TEST(ConfigCommandLineTest, WithoutArgumentsNothingChanges) {
-  ConfigFile file = fileOf(kAgent);
+  ConfigFile file = fileOf(kAgentFile);
   EXPECT_TRUE(apply(file, {"./player"}).accepted);
   EXPECT_TRUE(apply(file, {}).accepted);
   EXPECT_EQ(file["Public"]["UniformNumber"].asInt(), 1);
 }
 
 TEST(ConfigCommandLineTest, TakesPairsInTurnAndTheLastOneWins) {
-  ConfigFile file = fileOf(kAgent);
+  ConfigFile file = fileOf(kAgentFile);
   EXPECT_TRUE(
       apply(file, {"./player", "--number", "7", "--team", "A", "--name", "B", "--penalty", "1"})
           .accepted);
@@ -438,19 +438,19 @@ TEST(ConfigCommandLineTest, TakesPairsInTurnAndTheLastOneWins) {
 }
 
 TEST(ConfigCommandLineTest, ValueMayLookLikeAnOption) {
-  ConfigFile file = fileOf(kAgent);
+  ConfigFile file = fileOf(kAgentFile);
   EXPECT_TRUE(apply(file, {"./player", "--team", "--host"}).accepted);
   EXPECT_EQ(file["Public"]["TeamName"].asString(), "--host");
 }
 
 TEST(ConfigCommandLineTest, ValueMayBeEmpty) {
-  ConfigFile file = fileOf(kAgent);
+  ConfigFile file = fileOf(kAgentFile);
   EXPECT_TRUE(apply(file, {"./player", "--team", ""}).accepted);
   EXPECT_EQ(file["Public"]["TeamName"].asString(), "");
 }
 
 TEST(ConfigCommandLineTest, TrailingOptionStopsTheWalk) {
-  ConfigFile file = fileOf(kAgent);
+  ConfigFile file = fileOf(kAgentFile);
   const Outcome outcome = apply(file, {"./player", "--number", "7", "--team"});
   EXPECT_FALSE(outcome.accepted);
   EXPECT_EQ(outcome.printed, kUsage);
@@ -459,7 +459,7 @@ TEST(ConfigCommandLineTest, TrailingOptionStopsTheWalk) {
 
 TEST(ConfigCommandLineTest, UnknownOptionStopsTheWalk) {
   for (const char* option : {"--help", "--hos", "--hostx", "-host", "Host", ""}) {
-    ConfigFile file = fileOf(kAgent);
+    ConfigFile file = fileOf(kAgentFile);
     const Outcome outcome = apply(file, {"./player", option, "x", "--number", "7"});
     EXPECT_FALSE(outcome.accepted) << option;
     EXPECT_EQ(outcome.printed, kUsage) << option;

@@ -11,7 +11,7 @@ namespace {
 using support::expectNear;
 using support::quarterTurnAboutZ;
 
-constexpr float kNow = 10.0f;
+constexpr float kSeenAt = 10.0f;
 
 Player seenWithAllParts(float time) {
   Player player;
@@ -52,32 +52,32 @@ TEST(PlayerTest, PartsHideTheFieldsOfTheSameNameInObject) {
 }
 
 TEST(PlayerTest, EachStepCarriesThePartsInPlace) {
-  Player player = seenWithAllParts(kNow);
-  player.calculateBodyPosition(quarterTurnAboutZ(), kNow);
+  Player player = seenWithAllParts(kSeenAt);
+  player.calculateBodyPosition(quarterTurnAboutZ(), kSeenAt);
   expectAllParts(player, -2, 1, 3);
   expectNear(player.getBodyPosition(), -2, 1, 3);
-  player.calculateRelativePosition(quarterTurnAboutZ(), kNow);
+  player.calculateRelativePosition(quarterTurnAboutZ(), kSeenAt);
   expectAllParts(player, -1, -2, 3);
   expectNear(player.getRelativePosition(), -1, -2, 3);
   player.setGlobalPosition(Vector(7, 7, 7));
-  player.calculateGlobalPosition(Vector(10, 20, 30), kNow);
+  player.calculateGlobalPosition(Vector(10, 20, 30), kSeenAt);
   expectAllParts(player, 9, 18, 33);
   expectNear(player.getGlobalPosition(), 9, 18, 33);
   EXPECT_EQ(player.getPreviousPosition(), Vector(7, 7, 7));
 }
 
 TEST(PlayerTest, RepeatingAStepTurnsThePartsAgainButNotThePlayer) {
-  Player player = seenWithAllParts(kNow);
-  player.calculateRelativePosition(quarterTurnAboutZ(), kNow);
-  player.calculateRelativePosition(quarterTurnAboutZ(), kNow);
+  Player player = seenWithAllParts(kSeenAt);
+  player.calculateRelativePosition(quarterTurnAboutZ(), kSeenAt);
+  player.calculateRelativePosition(quarterTurnAboutZ(), kSeenAt);
   expectAllParts(player, -1, -2, 3);
   expectNear(player.getRelativePosition(), -2, 1, 3);
 }
 
 TEST(PlayerTest, PartsOfAnotherTimeStayWhereTheyAre) {
-  Player player = seenWithAllParts(kNow);
-  player.headLastTimeSeen = kNow - 0.06f;
-  player.calculateBodyPosition(quarterTurnAboutZ(), kNow);
+  Player player = seenWithAllParts(kSeenAt);
+  player.headLastTimeSeen = kSeenAt - 0.06f;
+  player.calculateBodyPosition(quarterTurnAboutZ(), kSeenAt);
   expectNear(player.headPosition, 1, 2, 3);
   expectNear(player.leftFootPosition, -2, 1, 3);
 }
@@ -111,7 +111,7 @@ TEST_P(PlayerBodyDirectionTest, OfTheArms) {
   Player player;
   player.leftLowerArmPosition = GetParam().left;
   player.rightLowerArmPosition = GetParam().right;
-  EXPECT_EQ(player.getBodyDirection(kNow), GetParam().expected);
+  EXPECT_EQ(player.getBodyDirection(kSeenAt), GetParam().expected);
 }
 
 TEST_P(PlayerBodyDirectionTest, OfTheFeetWhereAnArmIsFromTheFuture) {
@@ -119,17 +119,17 @@ TEST_P(PlayerBodyDirectionTest, OfTheFeetWhereAnArmIsFromTheFuture) {
   // The arms say the opposite and must not be looked at.
   player.leftLowerArmPosition = GetParam().right;
   player.rightLowerArmPosition = GetParam().left;
-  player.leftLowerArmLastTimeSeen = kNow + 1.0f;
+  player.leftLowerArmLastTimeSeen = kSeenAt + 1.0f;
   player.leftFootPosition = GetParam().left;
   player.rightFootPosition = GetParam().right;
-  EXPECT_EQ(player.getBodyDirection(kNow), GetParam().expected);
+  EXPECT_EQ(player.getBodyDirection(kSeenAt), GetParam().expected);
 }
 
 TEST_P(PlayerBodyDirectionTest, OfTheFeetWhereTheArmsCoincide) {
   Player player;
   player.leftFootPosition = GetParam().left;
   player.rightFootPosition = GetParam().right;
-  EXPECT_EQ(player.getBodyDirection(kNow), GetParam().expected);
+  EXPECT_EQ(player.getBodyDirection(kSeenAt), GetParam().expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -149,21 +149,21 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(PlayerTest, ArmsNeverSeenCountAsSeen) {
   Player player;
   player.leftLowerArmPosition = Vector(2, 0, 0);
-  player.leftLowerArmLastTimeSeen = kNow;
+  player.leftLowerArmLastTimeSeen = kSeenAt;
   player.leftFootPosition = Vector(0, 2, 0);
-  player.leftFootLastTimeSeen = player.rightFootLastTimeSeen = kNow;
-  EXPECT_EQ(player.getBodyDirection(kNow), SOUTH);
+  player.leftFootLastTimeSeen = player.rightFootLastTimeSeen = kSeenAt;
+  EXPECT_EQ(player.getBodyDirection(kSeenAt), SOUTH);
 }
 
 TEST(PlayerTest, OneFootFromTheFutureMakesTheDirectionUnknown) {
   Player player;
   player.leftFootPosition = Vector(2, 0, 0);
-  player.rightFootLastTimeSeen = kNow + 1.0f;
-  EXPECT_EQ(player.getBodyDirection(kNow), UNKNOWN);
-  player.rightFootLastTimeSeen = kNow + 0.99f;
-  EXPECT_EQ(player.getBodyDirection(kNow), SOUTH);
-  player.leftFootLastTimeSeen = kNow + 1.0f;
-  EXPECT_EQ(player.getBodyDirection(kNow), UNKNOWN);
+  player.rightFootLastTimeSeen = kSeenAt + 1.0f;
+  EXPECT_EQ(player.getBodyDirection(kSeenAt), UNKNOWN);
+  player.rightFootLastTimeSeen = kSeenAt + 0.99f;
+  EXPECT_EQ(player.getBodyDirection(kSeenAt), SOUTH);
+  player.leftFootLastTimeSeen = kSeenAt + 1.0f;
+  EXPECT_EQ(player.getBodyDirection(kSeenAt), UNKNOWN);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <numbers>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,8 +24,6 @@ namespace {
 using Eigen::AngleAxisd;
 using Eigen::Matrix3d;
 using Eigen::Vector3d;
-
-constexpr double kPi = 3.14159265358979323846;
 
 std::string recording(const std::string& name) {
   return std::string(QUOLNARIS_SOURCE_DIR) + "/tests/data/recordings/" + name;
@@ -65,8 +64,8 @@ std::vector<Node> readNodes(const std::string& text, std::size_t& at) {
 // ------------------------------------------------
 
 Vector3d fromPolar(const Node& pol) {
-  const double azimuth = pol.number(2) * kPi / 180;
-  const double elevation = pol.number(3) * kPi / 180;
+  const double azimuth = pol.number(2) * std::numbers::pi / 180;
+  const double elevation = pol.number(3) * std::numbers::pi / 180;
   return pol.number(1) * Vector3d(std::cos(elevation) * std::cos(azimuth),
                                   std::cos(elevation) * std::sin(azimuth), std::sin(elevation));
 }
@@ -76,7 +75,7 @@ Vector3d threeNumbers(const Node& node) {
 }
 
 Matrix3d about(double degrees, const Vector3d& axis) {
-  return AngleAxisd(degrees * kPi / 180, axis).toRotationMatrix();
+  return AngleAxisd(degrees * std::numbers::pi / 180, axis).toRotationMatrix();
 }
 
 struct Sighting {
@@ -451,7 +450,7 @@ TEST_P(WorldModelRecordingTest, TheBeliefFollowsTheTruth) {
     if (robot->up < 0.98) continue;
 
     const Matrix<4, 4>& torso = model->mySelf->getGyroRotation();
-    const double heading = std::atan2(torso.get(1, 0), torso.get(0, 0)) * 180 / kPi;
+    const double heading = std::atan2(torso.get(1, 0), torso.get(0, 0)) * 180 / std::numbers::pi;
     const double error =
         std::remainder(heading - robot->heading - (GetParam().right ? 180 : 0), 360.0);
     if (!firstError) firstError = error;

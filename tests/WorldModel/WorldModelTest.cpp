@@ -33,12 +33,12 @@ class WorldModelTest : public WorldModelFixture {
   };
 
   static const std::vector<Place>& landmarks() {
-    static const std::vector<Place> kPlaces = {
+    static const std::vector<Place> kKnownPlaces = {
         {"F1L", 0, -15, 10, 0},    {"F2L", 1, -15, -10, 0},    {"F1R", 2, 15, 10, 0},
         {"F2R", 3, 15, -10, 0},    {"G1L", 4, -15, 1.05, 0.8}, {"G2L", 5, -15, -1.05, 0.8},
         {"G1R", 6, 15, 1.05, 0.8}, {"G2R", 7, 15, -1.05, 0.8},
     };
-    return kPlaces;
+    return kKnownPlaces;
   }
 
   // Sightings of these landmarks by a camera at (x, y, z) with the pitch's own axes.

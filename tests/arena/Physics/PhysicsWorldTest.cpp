@@ -15,7 +15,7 @@
 namespace arena {
 namespace {
 
-constexpr double kDegree = std::numbers::pi / 180.0;
+constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
 constexpr int kRobot = 7;
 
 class PhysicsWorldTest : public testing::Test {
@@ -35,7 +35,7 @@ class PhysicsWorldTest : public testing::Test {
     return robot.model().jointByEffector(effector);
   }
   double degrees(const RobotBody& robot, const char* effector) {
-    return robot.jointAngle(joint(robot, effector)) / kDegree;
+    return robot.jointAngle(joint(robot, effector)) / kRadiansPerDegree;
   }
 
   PhysicsWorld world;
@@ -116,10 +116,12 @@ TEST_F(PhysicsWorldTest, SquatsWithTheControllerOfTheReference) {
   const std::array<double, 5> knees{-14.56, -42.98, -46.55, -20.34, -0.57};
   const std::array<double, 5> shifts{-0.0023, -0.0070, -0.0075, -0.0035, -0.0001};
   for (int i = 0; i < 50; ++i) {
-    const double squat = 12.5 * (1.0 - std::cos(2.0 * std::numbers::pi * (i + 1) * 0.02)) * kDegree;
+    const double squat =
+        12.5 * (1.0 - std::cos(2.0 * std::numbers::pi * (i + 1) * 0.02)) * kRadiansPerDegree;
     for (const Target& target : targets) {
       const int j = joint(robot, target.effector);
-      const double wanted = target.factor == 0.0 ? -90.0 * kDegree : target.factor * squat;
+      const double wanted =
+          target.factor == 0.0 ? -90.0 * kRadiansPerDegree : target.factor * squat;
       robot.setJointSpeed(j, 0.5 * (wanted - robot.jointAngle(j)) / 0.02);
     }
     step();
@@ -180,10 +182,10 @@ TEST_F(PhysicsWorldTest, BouncesAJointThatIsHeldAgainstItsStop) {
       own.step();
     }
     for (int i = 0; i < 3; ++i) {
-      EXPECT_NEAR(robot.jointAngle(j) / kDegree, c.past, 0.03) << c.effector;
+      EXPECT_NEAR(robot.jointAngle(j) / kRadiansPerDegree, c.past, 0.03) << c.effector;
       robot.setJointSpeed(j, c.speed);
       own.step();
-      EXPECT_NEAR(robot.jointAngle(j) / kDegree, c.before, 0.03) << c.effector;
+      EXPECT_NEAR(robot.jointAngle(j) / kRadiansPerDegree, c.before, 0.03) << c.effector;
       robot.setJointSpeed(j, c.speed);
       own.step();
     }
@@ -231,7 +233,7 @@ TEST_F(PhysicsWorldTest, TakesNotANumberForZeroAndInfinityForTheMaximum) {
   EXPECT_NEAR(robot.jointAngle(head), 0.0, 1e-6);
   robot.setJointSpeed(head, -std::numeric_limits<double>::infinity());
   step();
-  EXPECT_NEAR(robot.jointAngle(head) / kDegree, -7.0354, 1e-2);
+  EXPECT_NEAR(robot.jointAngle(head) / kRadiansPerDegree, -7.0354, 1e-2);
 }
 
 struct Turn {
@@ -314,7 +316,7 @@ TEST_F(PhysicsWorldTest, KeepsTheJointsOfARobotThatIsPlacedUpright) {
   robot.setJointSpeed(joint(robot, "rle4"), -3.0);
   step(10);
   const double knee = robot.jointAngle(joint(robot, "rle4"));
-  robot.placeUpright({2.0, 1.0, 0.4}, 30.0 * kDegree);
+  robot.placeUpright({2.0, 1.0, 0.4}, 30.0 * kRadiansPerDegree);
   EXPECT_NEAR(robot.jointAngle(joint(robot, "rle4")), knee, 1e-6);
   EXPECT_EQ(robot.torsoVelocity().norm(), 0.0);
   const Eigen::Isometry3d pose = robot.torsoPose();
@@ -460,8 +462,8 @@ TEST_F(PhysicsWorldTest, ThrowsTheBallAsTabled) {
         Throw{6, 45, 2.97, 0.82, 0.88, 5.65}}) {
     PhysicsWorld own;
     own.setBallPosition({0.0, 0.0, 0.1});
-    own.setBallVelocity(
-        {t.speed * std::cos(t.angle * kDegree), 0.0, t.speed * std::sin(t.angle * kDegree)});
+    own.setBallVelocity({t.speed * std::cos(t.angle * kRadiansPerDegree), 0.0,
+                         t.speed * std::sin(t.angle * kRadiansPerDegree)});
     double peak = 0.0;
     double time = 0.0;
     while (own.ballPosition().z() > kBallRadius) {

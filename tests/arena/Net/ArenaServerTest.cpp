@@ -472,7 +472,7 @@ TEST(ArenaServerBesideTest, PlaysOnAndHeedsATrainerWhileAllOthersMisbehave) {
   Arena arena(impatient(), matchOptions);
   Companion player(arena.agents());
   ASSERT_TRUE(player.follow(10));
-  std::vector<std::unique_ptr<Client>> silent;
+  std::vector<std::unique_ptr<Player>> silent;
   for (int number = 2; number <= 5; ++number) {
     silent.push_back(std::make_unique<Player>(arena.agents(), number, "Alpha"));
   }

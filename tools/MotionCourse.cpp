@@ -41,8 +41,8 @@ double draw(std::mt19937& random) {
 
 }  // namespace
 
-MotionCourse::MotionCourse(std::uint32_t seed, const MotionPoint& start)
-    : from_(start), torso_(start), mark_(start) {
+MotionCourse::MotionCourse(std::uint32_t seed, const MotionPoint& start, const Rules& rules)
+    : rules_(rules), from_(start), torso_(start), mark_(start) {
   std::mt19937 random(seed);
   std::vector<double> bearings(kBearings.begin(), kBearings.end());
   for (std::size_t left = bearings.size(); left > 1; --left) {
@@ -76,7 +76,7 @@ void MotionCourse::observe(const MotionPoint& torso, double tilt) {
     if (--stopLeft_ == 0) sinceStart_ = 0;
     return;
   }
-  if (distance(torso, target()) < kReach) arrive();
+  if (distance(torso, target()) < rules_.reach) arrive();
 }
 
 void MotionCourse::arrive() {
@@ -88,7 +88,7 @@ void MotionCourse::arrive() {
   }
   from_ = target();
   ++next_;
-  if (sum_.points % 2 == 0) stopLeft_ = kStop;
+  if (rules_.stops && sum_.points % 2 == 0) stopLeft_ = kStop;
 }
 
 void MotionCourse::watchPosture(double tilt) {

@@ -19,21 +19,24 @@ struct CourseSummary {
 };
 
 // A row of points that a robot walks to, one after the other: some ahead, some beside it, some
-// behind; at every second one it stops and starts anew. The points are drawn by the seed, so that a
-// motion is not good at one row alone.
+// behind; at every second one it stops and starts anew, unless told to walk on. The points are
+// drawn by the seed, so that a motion is not good at one row alone.
 //
 // Frame and units as in MotionRecord.h.
 class MotionCourse {
  public:
-  // Within this of a point the robot has reached it, metres.
-  static constexpr double kReach = 0.4;
+  struct Rules {
+    double reach = 0.4;  // within this of a point the robot has reached it, metres
+    bool stops = true;
+  };
+
   // How long it stops, cycles.
   static constexpr int kStop = 125;
   // A fall so many cycles after a start is one of starting.
   static constexpr int kStart = 100;
 
   // For a robot that stands at `start` and looks along +x.
-  MotionCourse(std::uint32_t seed, const MotionPoint& start);
+  MotionCourse(std::uint32_t seed, const MotionPoint& start, const Rules& rules);
 
   // One cycle has passed, and this is where the robot is now.
   void observe(const MotionPoint& torso, double tilt);
@@ -51,6 +54,7 @@ class MotionCourse {
   void watchWay(const MotionPoint& torso);
   void arrive();
 
+  Rules rules_;
   std::vector<MotionPoint> points_;
   std::size_t next_ = 0;
   MotionPoint from_;  // where the leg under way began

@@ -54,7 +54,7 @@ std::vector<MotionSample> MotionRun::walkCourse(CourseSummary& summary) {
   player_.shakeHands();
   comeToTheStart();
   start_ = player_.place();
-  MotionCourse course(options_.seed, start_.torso);
+  MotionCourse course(options_.seed, start_.torso, options_.course);
   std::vector<MotionSample> samples = {player_.sample(0, true)};
   const int cycles = static_cast<int>(std::lround(options_.seconds * 50));
   for (int cycle = 1; cycle <= cycles && !course.done(); ++cycle) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "MotionCourse.h"
 #include "MotionPlayer.h"
 
 // What to do, where, and how to tell about it.
@@ -21,7 +22,8 @@ struct MotionOptions {
   double speed = 1;          // where the ramp of the omni gaits stops
   double ballAhead = 0.155;  // of the torso, for kicks, metres
   double ballAside = 0.04;   // to the kicking side, metres
-  double noise = 0;          // rad/s
+  MotionCourse::Rules course;
+  double noise = 0;  // rad/s
   std::uint32_t seed = 1;
   std::string trace;  // file names; empty: none
   std::string svg;

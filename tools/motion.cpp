@@ -52,7 +52,7 @@ void list(const MotionOptions& options) {
   std::printf(
       "%-16s %s\n", kCourse,
       "the long stride at --speed (play on: 0.3) along a row of points drawn by --seed, with "
-      "stops and starts; needs the ground truth");
+      "stops and starts; --reach, --no-stops; needs the ground truth");
 }
 
 // The command line of the player's own start.
@@ -168,6 +168,13 @@ int main(int argc, char** argv) {
   app.add_option("--ball-aside", options.ballAside,
                  "Kicks: the ball to the kicking side of the torso, metres")
       ->capture_default_str();
+  app.add_option(
+         "--reach", options.course.reach,
+         "Course: within this of a point it is reached, metres; a robot pushes a ball within "
+         "0.15")
+      ->check(CLI::Range(0.01, 5.0))
+      ->capture_default_str();
+  app.add_flag("!--no-stops", options.course.stops, "Course: walk on from point to point");
   app.add_option("--noise", options.noise,
                  "Standard deviation of an error on each joint's speed, rad/s: runs that differ")
       ->check(CLI::Range(0.0, 1.0))

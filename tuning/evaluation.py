@@ -366,9 +366,11 @@ def _motion(run: Run, stage: Stage) -> tuple[Metrics, dict[str, Any]]:
     command: list[str | Path] = [paths.programs() / "motion", options["motion"], "--csv"]
     command += ["--agent-port", str(agents), "--trainer-port", str(trainers)]
     command += ["--seed", str(run.seed), "--number", str(number)]
-    for name in ("type", "seconds", "lead", "angle", "speed", "noise"):
+    for name in ("type", "seconds", "lead", "angle", "speed", "noise", "reach"):
         if options.get(name) is not None:
             command += [f"--{name}", str(options[name])]
+    if not options.get("stops", True):
+        command.append("--no-stops")
     if options.get("picture"):
         command += ["--svg", str(stage.directory / "motion.svg")]
     motion = stage.start("motion", command, deployment / str(number))

@@ -26,6 +26,10 @@ def _one_of(*words: str) -> Callable[[Any], bool]:
     return lambda value: value in words
 
 
+def _yes_or_no(value: Any) -> bool:
+    return isinstance(value, bool)
+
+
 def _list_of(check: Callable[[Any], bool]) -> Callable[[Any], bool]:
     def is_list(value: Any) -> bool:
         if not isinstance(value, list) or not value:
@@ -118,13 +122,17 @@ _GAIT_METRICS = "speed stray turn_rate falls"
 
 KINDS: dict[str, Kind] = {
     "course": _motion_kind(
-        "walks to a row of drawn points with the long stride, with stops and starts",
+        "walks to a row of drawn points with the long stride",
         "course",
         "pace points seconds lost falls falls_walking falls_stopping falls_starting",
         90,
         ("course",),
         ["course"],
-        _speed(0.3),
+        {
+            **_speed(0.3),
+            "reach": Option(0.4, _number(0.01, 5), "metres from a point within which it is reached"),
+            "stops": Option(True, _yes_or_no, "stops and starts anew at every second point"),
+        },
     ),
     "turn": _motion_kind(
         "turns on the spot",
@@ -190,7 +198,7 @@ KINDS: dict[str, Kind] = {
             "duration": _duration(200),
             "kick_off": _KICK_OFF,
             "placed": Option(
-                False, lambda value: isinstance(value, bool), "ball and robot at drawn places, play on"
+                False, _yes_or_no, "ball and robot at drawn places, play on"
             ),
         },
         tuple(_TEAM_METRICS),

@@ -163,7 +163,7 @@ bool BasicAgent::solveIkLeg(Vector torso, Vector ankle, double* theta, bool /*si
 bool BasicAgent::solveIkLeg1(Vector torso, Vector ankle, double* theta, bool side, double xRot,
                              double yRot, double zRot) {
   constexpr int kSolvedJoints = 6;
-  std::vector<double> sensed(kSolvedJoints);
+  thread_local std::vector<double> sensed(kSolvedJoints);
   for (int i = 0; i < kSolvedJoints; ++i) {
     sensed[i] = bControl.legController[side][i].currentAngle * InverseKinematic::kPi / 180;
   }

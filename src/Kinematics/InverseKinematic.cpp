@@ -140,14 +140,12 @@ bool InverseKinematic::legSolver(Vector torso, Vector ankle, double* theta, bool
   const float x = 0 + ankle.x - torso.x;
   const float y = (side ? ankle.y - 55 : ankle.y + 55) - torso.y;
   const float z = ankle.z - 355 - torso.z;
-  const auto solutions = side ? chain.inverseRightLeg(x, y, z, xRot, yRot, zRot)
-                              : chain.inverseLeftLeg(x, y, z, xRot, yRot, zRot);
-  if (solutions.empty()) return false;
+  // Only the first solution is asked for: theta has no room for a second one.
+  NAOKinematics::LegJoints joints;
+  if (!chain.firstLegSolution(side, x, y, z, xRot, yRot, zRot, joints)) return false;
 
-  // Only the first solution is asked for: theta has no room for a second one. The pitch joints of
-  // the chain turn the other way than the server's.
+  // The pitch joints of the chain turn the other way than the server's.
   constexpr std::array<double, 6> kSign = {1, 1, -1, -1, -1, 1};
-  const std::vector<double>& joints = solutions.front();
   for (int i = 0; i < 6; ++i) theta[i + 1] = kSign[i] * (joints[i] * Vector::RAD2DEG);
   return true;
 }

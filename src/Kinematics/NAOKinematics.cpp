@@ -1,5 +1,6 @@
 #include "Kinematics/NAOKinematics.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cmath>
 #include <iostream>
@@ -200,22 +201,27 @@ void NAOKinematics::forwardCamera(kmatTable& EndTransf, double HeadYaw, double H
 
 void NAOKinematics::filterForward(kmatTable& Tmatrix, const std::string& WhatForward,
                                   const std::vector<double>& joints) {
+  forwardNamed(Tmatrix, WhatForward, joints);
+}
+
+void NAOKinematics::forwardNamed(kmatTable& Tmatrix, std::string_view chain,
+                                 std::span<const double> joints) {
   const auto joint = [&](std::size_t i) {
     assert(i < joints.size());
     return joints[i];
   };
   Tmatrix.zero();
-  if (WhatForward == "CameraTop") {
+  if (chain == "CameraTop") {
     forwardCamera(Tmatrix, joint(0), joint(1), true);
-  } else if (WhatForward == "CameraBot") {
+  } else if (chain == "CameraBot") {
     forwardCamera(Tmatrix, joint(0), joint(1), false);
-  } else if (WhatForward == "LeftArm" || WhatForward == "LeftHand") {
+  } else if (chain == "LeftArm" || chain == "LeftHand") {
     forwardLeftHand(Tmatrix, joint(0), joint(1), joint(2), joint(3), joint(4));
-  } else if (WhatForward == "RightArm" || WhatForward == "RightHand") {
+  } else if (chain == "RightArm" || chain == "RightHand") {
     forwardRightHand(Tmatrix, joint(0), joint(1), joint(2), joint(3), joint(4));
-  } else if (WhatForward == "LeftLeg") {
+  } else if (chain == "LeftLeg") {
     forwardLeftLeg(Tmatrix, joint(0), joint(1), joint(2), joint(3), joint(4), joint(5));
-  } else if (WhatForward == "RightLeg") {
+  } else if (chain == "RightLeg") {
     forwardRightLeg(Tmatrix, joint(0), joint(1), joint(2), joint(3), joint(4), joint(5));
   }
   Tmatrix.check();
@@ -339,39 +345,55 @@ FKvars NAOKinematics::calculateCenterOfMass(const std::vector<double>& allJoints
   return centre;
 }
 
-void NAOKinematics::appendIfReached(const char* chain, std::span<const double> joints,
-                                    Solutions& solutions) {
-  std::vector<double> solution(joints.begin(), joints.end());
+NAOKinematics::Taker NAOKinematics::into(Solutions& solutions) {
+  return [&solutions](std::span<const double> joints) {
+    solutions.emplace_back(joints.begin(), joints.end());
+  };
+}
+
+void NAOKinematics::takeIfReached(const char* chain, std::span<const double> joints,
+                                  const Taker& take) {
   kmatTable reached;
-  filterForward(reached, chain, solution);
-  if (reached.almostEqualTo(Tinit)) solutions.push_back(std::move(solution));
+  forwardNamed(reached, chain, joints);
+  if (reached.almostEqualTo(Tinit)) take(joints);
 }
 
 // The legs. Names and steps follow the angles theta1 to theta6, which are theta[0] to theta[5]
 // here.
 
+NAOKinematics::LegSide NAOKinematics::legSide(bool right) const {
+  if (right) {
+    return {.chain = "RightLeg",
+            .baseInv = TBaseRLegInv,
+            .endInv = TEndRLegInv,
+            .rotFix = RotFixRLeg,
+            .rot = RotRLeg,
+            .hipRollZero = PI / 4,
+            .hipRoll = {-0.7383, 0.4147},
+            .hipPitch = {-1.7723, 0.4856},
+            .ankleRoll = {-2, 1}};
+  }
+  return {.chain = "LeftLeg",
+          .baseInv = TBaseLLegInv,
+          .endInv = TEndLLegInv,
+          .rotFix = RotFixLLeg,
+          .rot = RotLLeg,
+          .hipRollZero = -PI / 4,
+          .hipRoll = {-0.3794, 0.7904},
+          .hipPitch = {-1.7739, 0.484},
+          .ankleRoll = {-1, 2}};
+}
+
 NAOKinematics::Solutions NAOKinematics::inverseLeftLeg(const kmatTable& targetPoint) {
-  return inverseLeg(targetPoint, {.chain = "LeftLeg",
-                                  .baseInv = TBaseLLegInv,
-                                  .endInv = TEndLLegInv,
-                                  .rotFix = RotFixLLeg,
-                                  .rot = RotLLeg,
-                                  .hipRollZero = -PI / 4,
-                                  .hipRoll = {-0.3794, 0.7904},
-                                  .hipPitch = {-1.7739, 0.484},
-                                  .ankleRoll = {-1, 2}});
+  Solutions solutions;
+  inverseLeg(targetPoint, legSide(false), into(solutions));
+  return solutions;
 }
 
 NAOKinematics::Solutions NAOKinematics::inverseRightLeg(const kmatTable& targetPoint) {
-  return inverseLeg(targetPoint, {.chain = "RightLeg",
-                                  .baseInv = TBaseRLegInv,
-                                  .endInv = TEndRLegInv,
-                                  .rotFix = RotFixRLeg,
-                                  .rot = RotRLeg,
-                                  .hipRollZero = PI / 4,
-                                  .hipRoll = {-0.7383, 0.4147},
-                                  .hipPitch = {-1.7723, 0.4856},
-                                  .ankleRoll = {-2, 1}});
+  Solutions solutions;
+  inverseLeg(targetPoint, legSide(true), into(solutions));
+  return solutions;
 }
 
 NAOKinematics::Solutions NAOKinematics::inverseLeftLeg(double px, double py, double pz, double rx,
@@ -386,8 +408,18 @@ NAOKinematics::Solutions NAOKinematics::inverseRightLeg(double px, double py, do
   return inverseRightLeg(T);
 }
 
-NAOKinematics::Solutions NAOKinematics::inverseLeg(const kmatTable& targetPoint,
-                                                   const LegSide& leg) {
+bool NAOKinematics::firstLegSolution(bool right, double px, double py, double pz, double rx,
+                                     double ry, double rz, LegJoints& joints) {
+  transformations::makeTransformation(T, px, py, pz, rx, ry, rz);
+  bool found = false;
+  inverseLeg(T, legSide(right), [&found, &joints](std::span<const double> solution) {
+    if (!std::exchange(found, true)) std::copy(solution.begin(), solution.end(), joints.begin());
+  });
+  return found;
+}
+
+void NAOKinematics::inverseLeg(const kmatTable& targetPoint, const LegSide& leg,
+                               const Taker& take) {
   Tinit = targetPoint;
   T = Tinit;
 
@@ -402,18 +434,17 @@ NAOKinematics::Solutions NAOKinematics::inverseLeg(const kmatTable& targetPoint,
   const auto hip = T.get_translation();
   const double x = hip(0), y = hip(1), z = hip(2);
 
-  Solutions solutions;
   const double distance = length(x, y, z);
   const double theta4 = PI - std::acos((24400 - square(distance)) / 24000);
-  if (std::isnan(theta4)) return solutions;
+  if (std::isnan(theta4)) return;
   const double theta6 = std::atan(y / z);
-  if (theta6 < leg.ankleRoll.low || theta6 > leg.ankleRoll.high) return solutions;
+  if (theta6 < leg.ankleRoll.low || theta6 > leg.ankleRoll.high) return;
 
   try {
     transformations::makeDHTransformation(T6i, 0, -PI / 2, 0, theta6);
     T6i.fast_mult(leg.rot).fast_invert();
   } catch (const SingularMatrixInvertionException&) {
-    return solutions;
+    return;
   }
   Tstart.fast_mult(T6i);
   TtempTheta5 = Tstart;
@@ -424,12 +455,11 @@ NAOKinematics::Solutions NAOKinematics::inverseLeg(const kmatTable& targetPoint,
     LegJoints theta = {};
     theta[3] = knee;
     theta[5] = theta6;
-    solveAnklePitch(leg, theta, solutions);
+    solveAnklePitch(leg, theta, take);
   }
-  return solutions;
 }
 
-void NAOKinematics::solveAnklePitch(const LegSide& leg, LegJoints& theta, Solutions& solutions) {
+void NAOKinematics::solveAnklePitch(const LegSide& leg, LegJoints& theta, const Taker& take) {
   const auto C = TtempTheta5.get_translation();
   const double knee = theta[3];
   transformations::makeDHTransformation(T4i, -kThigh, 0, 0, knee);
@@ -454,20 +484,20 @@ void NAOKinematics::solveAnklePitch(const LegSide& leg, LegJoints& theta, Soluti
     }
     Ttemp2 = Tstart;
     Ttemp2.fast_mult(Ttemp);
-    solveHipRoll(leg, theta, solutions);
+    solveHipRoll(leg, theta, take);
   }
 }
 
-void NAOKinematics::solveHipRoll(const LegSide& leg, LegJoints& theta, Solutions& solutions) {
+void NAOKinematics::solveHipRoll(const LegSide& leg, LegJoints& theta, const Taker& take) {
   const double a = std::acos(Ttemp2.A.read(1, 2));
   for (const double hipRoll : {leg.hipRollZero + a, leg.hipRollZero - a}) {
     if (!leg.hipRoll.holds(hipRoll)) continue;
     theta[1] = hipRoll;
-    solveHipPitch(leg, theta, solutions);
+    solveHipPitch(leg, theta, take);
   }
 }
 
-void NAOKinematics::solveHipPitch(const LegSide& leg, LegJoints& theta, Solutions& solutions) {
+void NAOKinematics::solveHipPitch(const LegSide& leg, LegJoints& theta, const Taker& take) {
   const double q = std::sin(theta[1] - leg.hipRollZero);
   const double sine = Ttemp2.A.read(1, 1) / q;
   double theta3 = std::asin(sine);
@@ -485,11 +515,11 @@ void NAOKinematics::solveHipPitch(const LegSide& leg, LegJoints& theta, Solution
     const double other = PI / 2 - b;
     if (b + PI / 2 <= kHipYawPitch.high && other >= kHipYawPitch.low) {
       theta[0] = b + PI / 2;
-      appendIfReached(leg.chain, theta, solutions);
+      takeIfReached(leg.chain, theta, take);
     }
     if (kHipYawPitch.holds(other)) {
       theta[0] = other;
-      appendIfReached(leg.chain, theta, solutions);
+      takeIfReached(leg.chain, theta, take);
     }
   }
 }
@@ -611,7 +641,7 @@ void NAOKinematics::solveShoulderPitch(const ArmSide& arm, ArmJoints& theta, Sol
   if (!kShoulderPitch.holds(c1)) return;
   for (const double shoulderPitch : {c1, -c1}) {
     theta[0] = shoulderPitch;
-    appendIfReached(arm.chain, theta, solutions);
+    takeIfReached(arm.chain, theta, into(solutions));
   }
 }
 

@@ -20,9 +20,11 @@
 // All operations share the scratch members: an object is not reentrant.
 
 #include <array>
+#include <functional>
 #include <initializer_list>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Kinematics/KMat.h"
@@ -142,6 +144,11 @@ class NAOKinematics {
   Solutions inverseLeftLeg(double px, double py, double pz, double rx, double ry, double rz);
   Solutions inverseRightLeg(const kmatTable& targetPoint);
   Solutions inverseRightLeg(double px, double py, double pz, double rx, double ry, double rz);
+  // The first solution of inverseRightLeg or inverseLeftLeg, without a list; false if there is
+  // none, with joints as it was.
+  using LegJoints = std::array<double, 6>;
+  bool firstLegSolution(bool right, double px, double py, double pz, double rx, double ry,
+                        double rz, LegJoints& joints);
   Solutions inverseLeftHand(const kmatTable& targetPoint);
   Solutions inverseLeftHand(double px, double py, double pz, double rx, double ry, double rz);
   Solutions inverseRightHand(const kmatTable& targetPoint);
@@ -182,13 +189,20 @@ class NAOKinematics {
   void addMasses(kmatTable& sum, const kmatTable& limbBase, std::span<const Link> links,
                  std::span<const LinkMass> masses);
 
+  // The chain of the given name, as filterForward.
+  void forwardNamed(kmatTable& Tmatrix, std::string_view chain, std::span<const double> joints);
+
+  // Takes the solutions, one after the other.
+  using Taker = std::function<void(std::span<const double> joints)>;
+  static Taker into(Solutions& solutions);
+
   // The steps of the leg solution, from the knee inward. theta is the solution as far as it is
   // known.
-  using LegJoints = std::array<double, 6>;
-  Solutions inverseLeg(const kmatTable& targetPoint, const LegSide& leg);
-  void solveAnklePitch(const LegSide& leg, LegJoints& theta, Solutions& solutions);
-  void solveHipRoll(const LegSide& leg, LegJoints& theta, Solutions& solutions);
-  void solveHipPitch(const LegSide& leg, LegJoints& theta, Solutions& solutions);
+  LegSide legSide(bool right) const;
+  void inverseLeg(const kmatTable& targetPoint, const LegSide& leg, const Taker& take);
+  void solveAnklePitch(const LegSide& leg, LegJoints& theta, const Taker& take);
+  void solveHipRoll(const LegSide& leg, LegJoints& theta, const Taker& take);
+  void solveHipPitch(const LegSide& leg, LegJoints& theta, const Taker& take);
 
   // Likewise for the arm, from the elbow inward.
   using ArmJoints = std::array<double, 5>;
@@ -196,8 +210,8 @@ class NAOKinematics {
   void solveElbowYaw(const ArmSide& arm, ArmJoints& theta, Solutions& solutions);
   void solveShoulderPitch(const ArmSide& arm, ArmJoints& theta, Solutions& solutions);
 
-  // Appends the joints if the named chain brings them to Tinit.
-  void appendIfReached(const char* chain, std::span<const double> joints, Solutions& solutions);
+  // Hands the joints over if they bring the end of the named chain to Tinit.
+  void takeIfReached(const char* chain, std::span<const double> joints, const Taker& take);
 
   // Scratch space of the forward chains: the factors and the product.
   kmatTable T1, T2, T3, T4, T5, T6, Tend;

@@ -276,6 +276,32 @@ TEST_P(NAOKinematicsInverseLegsTest, SolutionsComeInTheOrderOfTheCandidates) {
   }
 }
 
+TEST_P(NAOKinematicsInverseLegsTest, TheFirstSolutionIsThatOfTheList) {
+  CaseCount none("targets without a solution", 50);
+  CaseCount several("targets with several solutions", 50);
+  Draws draws(15);
+  const NAOKinematics::LegJoints untouched = {9, 8, 7, 6, 5, 4};
+  const bool right = GetParam() == &kRight;
+  for (int n = 0; n < 3000; ++n) {
+    // Every other leg is nearly stretched: then both knee candidates are within the range.
+    const bool stretched = n % 2 == 0;
+    const double x = stretched ? 0 : draws.between(-120, 120);
+    const double y = stretched ? (right ? -55 : 55) : draws.between(-120, 120);
+    const double z = stretched ? draws.between(-355, -354.8) : draws.between(-360, -250);
+    const Solutions solutions = solve(*GetParam(), x, y, z, 0, 0, 0);
+    NAOKinematics::LegJoints joints = untouched;
+    ASSERT_EQ(NAOKinematics().firstLegSolution(right, x, y, z, 0, 0, 0, joints),
+              !solutions.empty());
+    if (solutions.empty()) {
+      ASSERT_EQ(joints, untouched);
+      none.count();
+    } else {
+      ASSERT_EQ(Joints(joints.begin(), joints.end()), solutions.front());
+      if (solutions.size() > 1) several.count();
+    }
+  }
+}
+
 TEST(NAOKinematicsInverseBothLegsTest, MirroredTargetsHaveMirroredSolutions) {
   // Within the ranges that both legs have in common.
   CaseCount cases("mirrored targets", kCases);

@@ -41,7 +41,7 @@ double length(const MotionCourse& course) {
 
 TEST(MotionCourseTest, EverySeedDrawsItsOwnPointsOnThePitch) {
   for (unsigned seed = 0; seed < 200; ++seed) {
-    const MotionCourse course(seed, kStart);
+    const MotionCourse course(seed, kStart, {});
     EXPECT_EQ(course.points().size(), 9U);
     MotionPoint from = kStart;
     for (const MotionPoint& p : course.points()) {
@@ -53,12 +53,12 @@ TEST(MotionCourseTest, EverySeedDrawsItsOwnPointsOnThePitch) {
       from = p;
     }
   }
-  EXPECT_NE(MotionCourse(1, kStart).points()[0].x, MotionCourse(2, kStart).points()[0].x);
-  EXPECT_EQ(MotionCourse(1, kStart).points()[8].x, MotionCourse(1, kStart).points()[8].x);
+  EXPECT_NE(MotionCourse(1, kStart, {}).points()[0].x, MotionCourse(2, kStart, {}).points()[0].x);
+  EXPECT_EQ(MotionCourse(1, kStart, {}).points()[8].x, MotionCourse(1, kStart, {}).points()[8].x);
 }
 
 TEST(MotionCourseTest, AStraightWalkerReachesAllAndStopsAtEverySecond) {
-  MotionCourse course(7, kStart);
+  MotionCourse course(7, kStart, {});
   EXPECT_EQ(walk(course), 4 * MotionCourse::kStop);
   const CourseSummary sum = course.summary();
   EXPECT_EQ(sum.points, 9);
@@ -67,15 +67,31 @@ TEST(MotionCourseTest, AStraightWalkerReachesAllAndStopsAtEverySecond) {
   EXPECT_NEAR(sum.seconds, sum.way + 4 * MotionCourse::kStop * 0.02, 2);
 }
 
+TEST(MotionCourseTest, WithoutStopsItIsWalkedInOneGo) {
+  MotionCourse course(7, kStart, {.stops = false});
+  EXPECT_EQ(walk(course), 0);
+  EXPECT_EQ(course.summary().points, 9);
+}
+
+TEST(MotionCourseTest, APointIsReachedFromWithinTheReach) {
+  const MotionCourse::Rules rules = {.reach = 0.15, .stops = false};
+  MotionCourse course(7, kStart, rules);
+  const MotionPoint first = course.points()[0];
+  course.observe({first.x + 0.16, first.y, 0}, 0);
+  EXPECT_EQ(course.summary().points, 0);
+  course.observe({first.x, first.y - 0.14, 0}, 0);
+  EXPECT_EQ(course.summary().points, 1);
+}
+
 TEST(MotionCourseTest, APartOfALegCounts) {
-  MotionCourse course(7, kStart);
+  MotionCourse course(7, kStart, {});
   walk(course, 40);
   EXPECT_EQ(course.summary().points, 0);
   EXPECT_NEAR(course.summary().metres, 0.8, 0.01);
 }
 
 TEST(MotionCourseTest, FallsAreToldByWhatTheRobotDid) {
-  MotionCourse course(7, kStart);
+  MotionCourse course(7, kStart, {});
   const auto fall = [&course](const MotionPoint& at) {
     course.observe(at, 80);
     course.observe(at, 0);

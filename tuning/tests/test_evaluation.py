@@ -45,12 +45,13 @@ SHORT = [
     ("still", {"duration": 4, "players": [9, 10], "rivals": 2}),
     ("match", {"duration": 4, "players": [9, 11], "rivals": [10, 11], "set_plays": 2}),
     ("course", {"seconds": 8}),
+    ("course", {"seconds": 8, "reach": 0.15, "stops": False}),
     ("turn", {"seconds": 3}),
     ("get-up", {"seconds": 4}),
 ]
 
 
-@pytest.mark.parametrize("kind, options", SHORT, ids=[kind for kind, _ in SHORT])
+@pytest.mark.parametrize("kind, options", SHORT, ids=str)
 def test_the_same_seed_gives_the_same_figures_whatever_the_load(
     base: Configs, kind: str, options: dict
 ) -> None:

@@ -79,6 +79,8 @@ std::vector<MotionKind> allMotions(const MotionOptions& options, const MotionPla
        gait([=](Walk& w) { return w.omniWalk(far(0), speed, 10, 1); })},
       {"omni-curve", "the omnidirectional gait to a point at --angle", Start::Standing,
        gait([=](Walk& w) { return w.omniWalk(far(options.angle), speed, 10, 0); })},
+      {"omni-long-curve", "the long stride to a point at --angle, at --speed", Start::Standing,
+       gait([=](Walk& w) { return w.omniWalk(far(options.angle), speed, 10, 1); })},
       {"omni-back", "the omni back gait, at --speed", Start::Standing,
        gait([=](Walk& w) { return w.omniBackWalk(far(180), 10, speed); })},
       {"omni-left", "the omni side gait to the left", Start::Standing,

@@ -241,6 +241,10 @@ _ROWS = (
     _Row("omni gait, speed 0.3", _gait, "0.26 m/s; falls 0 of 8", "omni", 8, {"speed": 0.3}),
     _Row("omni gait, speed 1, stopped after 4 s", _end, "falls 0 of 8 at this speed", "omni-stop", 8),
     _Row("long stride, speed 0.3", _gait, "0.58 m/s; falls 0 of 8", "omni-long", 8, {"speed": 0.3}),
+    *(
+        _Row(f"long stride, curve to the {side}", _gait, "-", "omni-long-curve", 6, {"speed": 0.3, "angle": angle, "lead": 3})
+        for side, angle in (("left", 175), ("right", -175))
+    ),
     _Row("omni back gait, speed 0.8", _gait, "0.47 to 0.49 m/s backwards; falls 1 of 8", "omni-back", 8, {"speed": 0.8}),
     _Row("omni side gait to the left", _gait, "0.55 m/s; falls 0 of 8", "omni-left", 8),
     _Row("omni side gait to the right", _gait, "0.55 m/s; falls 0 of 8", "omni-right", 8),

@@ -197,9 +197,7 @@ KINDS: dict[str, Kind] = {
             "type": _TYPE,
             "duration": _duration(200),
             "kick_off": _KICK_OFF,
-            "placed": Option(
-                False, _yes_or_no, "ball and robot at drawn places, play on"
-            ),
+            "placed": Option(False, _yes_or_no, "ball and robot at drawn places, play on"),
         },
         tuple(_TEAM_METRICS),
         "striker",

@@ -386,7 +386,8 @@ def _read_plus(what: str, entry: dict[str, Any], size: int) -> tuple[float, ...]
 
 
 def _read_tie(entry: dict[str, Any], base: Configs, knobs: Sequence[Knob]) -> Tie:
-    """`follows = {file, group, key}`, also with `plus = [...]`, or `sum = TOTAL` with `index`."""
+    """`follows = {file, group, key}`, of the same scope unless it names one, also with `plus = [...]`, or
+    `sum = TOTAL` with `index`."""
     what = f"[[tie]] {entry.get('file', '?')} {entry.get('key', '?')}"
     _refuse_unknown(what, entry, ("scope", "file", "group", "key", "follows", "plus", "sum", "index"))
     target = _read_place(what, entry)
@@ -397,7 +398,7 @@ def _read_tie(entry: dict[str, Any], base: Configs, knobs: Sequence[Knob]) -> Ti
     if "follows" in entry:
         if not isinstance(entry["follows"], dict):
             raise TuneError(f"{what}: follows must be {{file, group, key}}")
-        _refuse_unknown(f"{what} follows", entry["follows"], ("file", "group", "key"))
+        _refuse_unknown(f"{what} follows", entry["follows"], ("scope", "file", "group", "key"))
         source = _read_place(what, {"scope": target.scope, **entry["follows"]})
         if len(source.read(base)) != size:
             raise TuneError(f"{what}: follows a list of another length")

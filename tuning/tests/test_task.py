@@ -4,7 +4,7 @@ import pytest
 from conftest import SMALL_TASK
 
 from tuning import paths, seeds
-from tuning.configs import Configs, read_value
+from tuning.configs import Configs, read_value, set_value
 from tuning.errors import TuneError
 from tuning.task import PENALTY, Task, parse_task, read_task
 
@@ -105,6 +105,24 @@ def test_a_list_follows_another_at_a_distance(base: Configs) -> None:
     leader = [float(z) for z in read_value(candidate, "all", "backWalk", "backwalk", "Zankle")]
     follower = [float(z) for z in read_value(candidate, "all", "omniBackWalk", "omnibackwalk", "Zankle")]
     assert follower == pytest.approx([leader[0] + 1, leader[1], leader[2] - 0.5, leader[3]], abs=1e-5)
+
+
+def test_a_number_follows_what_holds_for_all(base: Configs) -> None:
+    tie = """
+[[tie]]
+scope = "number-10"
+file = "Formation"
+group = "Beam"
+key = "p11"
+follows = { scope = "all", file = "Formation", group = "Beam", key = "p11" }
+"""
+    own = dict(base)
+    set_value(own, "number-10", "Formation", "Beam", "p11", ["-1", "2", "3"])
+    task = parse(SMALL_TASK + tie, own)
+    candidate = task.candidate({knob.name: float(knob.name == "Formation p11[1]") for knob in task.knobs})
+    everybody = read_value(candidate, "all", "Formation", "Beam", "p11")
+    assert float(everybody[1]) == pytest.approx(0.105)
+    assert read_value(candidate, "number-10", "Formation", "Beam", "p11") == everybody
 
 
 @pytest.mark.parametrize("old, new, told", [

@@ -9,8 +9,8 @@
 #include "Mathematics/Vector.h"
 
 // The elements of a matrix behind a counted handle: copies of a handle share them. With the last
-// one they go to a pool that the next matrix of this shape takes from, so that a cycle allocates
-// nothing once the player is warm. No lock: the player has one thread.
+// one they go to a pool that the next matrix of this shape takes from. The pool grows by many at
+// once, so that no cycle allocates. No lock: the player has one thread.
 template <int N, int M>
 class SharedRows {
  public:
@@ -34,13 +34,19 @@ class SharedRows {
   };
 
   static Block* take() {
-    if (spare == nullptr) return new Block;
+    if (spare == nullptr) spare = chain(new Block[kAtOnce]);
     Block* const taken = spare;
     spare = taken->nextSpare;
     *taken = Block();
     return taken;
   }
 
+  static Block* chain(Block* blocks) {
+    for (int i = 0; i + 1 < kAtOnce; ++i) blocks[i].nextSpare = &blocks[i + 1];
+    return blocks;
+  }
+
+  static constexpr int kAtOnce = 256;
   static inline Block* spare = nullptr;
   Block* block;
 };

@@ -42,9 +42,20 @@ bool isInOwnGoalMouth(Vector p) {
   return p.getX() < -14 && p.getY() < 1.2 && p.getY() > -1.2;
 }
 
-// Lists of objects that have ended. A cycle makes a few objects, some of them at the same time, and
-// takes no memory for them after the first ones.
-thread_local std::array<std::vector<FastPlayer>, 4> spareLists;
+// Room for the longest list: a dribble adds all players again at each of its looks ahead.
+constexpr std::size_t kRoom = std::size_t{8} * 22;
+
+using Lists = std::array<std::vector<FastPlayer>, 4>;
+
+Lists roomyLists() {
+  Lists lists;
+  for (std::vector<FastPlayer>& list : lists) list.reserve(kRoom);
+  return lists;
+}
+
+// Lists for objects to come: a cycle makes a few, some of them at the same time, and takes no
+// memory for them. No lock: the player has one thread.
+Lists spareLists = roomyLists();
 
 std::vector<FastPlayer> takeSpareList() {
   for (std::vector<FastPlayer>& spare : spareLists) {
@@ -86,6 +97,12 @@ struct FastIC::Runner {
   Pace pace{};
   int fall = 0;
 };
+
+std::vector<FastIC::Runner> FastIC::runners = [] {
+  std::vector<Runner> list;
+  list.reserve(kRoom);
+  return list;
+}();
 
 // Which of the three classes have a result.
 struct FastIC::Found {
@@ -237,7 +254,6 @@ void FastIC::calculate() {
   isOut = isAlive = isInGoal = fastestOpponentIsAlive = fastestTeammateIsAlive = false;
   Found found;
 
-  thread_local std::vector<Runner> runners;
   runners.clear();
   for (const FastPlayer& candidate : fastPlayers) runners.push_back(prepare(candidate));
 

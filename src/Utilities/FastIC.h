@@ -100,6 +100,8 @@ class FastIC {
   struct Runner;
   struct Found;
 
+  static std::vector<Runner> runners;  // of the run under way
+
   TeamSide ownTeam() const;
   TeamSide otherTeam() const;
   bool isMe(const Player& player) const;

@@ -9,7 +9,7 @@ import pytest
 sys.path.insert(0, str(Path(__file__).resolve().parents[2]))
 
 from tuning import paths  # noqa: E402
-from tuning.configs import Configs, read_directory, read_value, set_value, without_numbers  # noqa: E402
+from tuning.configs import Configs, read_directory, read_value, set_value  # noqa: E402
 from tuning.evaluation import Result, Run  # noqa: E402
 from tuning.task import Task, parse_task  # noqa: E402
 
@@ -48,8 +48,8 @@ def shipped() -> Configs:
 
 @pytest.fixture(scope="session")
 def base(shipped: Configs) -> Configs:
-    """The shipped values of all numbers alike; where the small task searches they are the tests' own."""
-    configs = without_numbers(shipped)
+    """The shipped values without overlays; where the small task searches they are the tests' own."""
+    configs = {name: text for name, text in shipped.items() if not name.startswith("overlays/")}
     set_value(configs, "all", "Formation", "Beam", "p11", ["-0.22", "0.055", "0"])
     return configs
 

@@ -29,7 +29,7 @@ double forwardYaw(Side side) {
 Match::Match(const MatchOptions& options)
     : options_(options),
       workers_(options.threads),
-      world_(options.threads),
+      world_(&workers_),
       referee_(world_, RefereeOptions{.halfTime = options.halfTime,
                                       .autoKickOff = options.autoKickOff,
                                       .coinToss = options.coinToss,
@@ -128,6 +128,8 @@ void Match::say(Agent& agent, const std::string& text) {
 }
 
 void Match::step() {
+  std::optional<Workers::Shift> shift;
+  if (world_.physics().worthWorkers()) shift.emplace(workers_);
   trainer_.apply();
   world_.setAgentCount(static_cast<int>(
       std::count_if(agents_.begin(), agents_.end(), [](const auto& a) { return a->connected; })));

@@ -13,7 +13,8 @@ namespace arena {
 // The physics as referee and trainer see it: robots with sides and numbers.
 class MatchWorld : public RefereeWorld {
  public:
-  explicit MatchWorld(int threads = 1) : physics_(threads) {}
+  // Workers as for PhysicsWorld.
+  explicit MatchWorld(Workers* workers = nullptr) : physics_(workers) {}
 
   PhysicsWorld& physics() { return physics_; }
   const PhysicsWorld& physics() const { return physics_; }

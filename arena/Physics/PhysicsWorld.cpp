@@ -8,13 +8,14 @@
 #include "Common/Units.h"
 #include "Physics/Constants.h"
 #include "Physics/EngineVectors.h"
+#include "Physics/StepThreads.h"
 #include "Physics/Surface.h"
 
 namespace arena {
 namespace {
 
 // Sharing fewer robots that are awake out takes longer than it saves.
-constexpr std::ptrdiff_t kRobotsWorthThreads = 3;
+constexpr std::ptrdiff_t kRobotsWorthWorkers = 3;
 constexpr double kWorldCfm = 1e-5;
 constexpr double kContactSurfaceLayer = 0.001;  // m
 constexpr int kMaxContacts = 4;                 // per pair of shapes
@@ -62,15 +63,12 @@ bool isSensor(const GeomTag& tag) {
 
 }  // namespace
 
-PhysicsWorld::PhysicsWorld(int threads) {
-  assert(threads >= 1);
+PhysicsWorld::PhysicsWorld(Workers* workers)
+    : workers_(workers != nullptr && workers->threads() > 1 ? workers : nullptr) {
   startEngine();
   world_ = dWorldCreate();
   space_ = dHashSpaceCreate(nullptr);
-  if (threads > 1) {
-    threads_.emplace(threads);
-    order_.emplace(space_);
-  }
+  if (workers_ != nullptr) order_.emplace(space_);
   contactGroup_ = dJointGroupCreate(0);
   dWorldSetGravity(world_, 0.0, 0.0, single(-kGravity));
   dWorldSetCFM(world_, single(kWorldCfm));
@@ -234,7 +232,7 @@ void PhysicsWorld::step() {
   applyBallDrag();
   if (order_) order_->begin();
   dSpaceCollide(space_, this, &PhysicsWorld::nearCallback);
-  chooseThreads();
+  chooseWorkers();
   dWorldStep(world_, single(kStepSeconds));
   if (shared_) order_->end();
   readFootForces();
@@ -242,11 +240,16 @@ void PhysicsWorld::step() {
   rescueTheLost();
 }
 
-void PhysicsWorld::chooseThreads() {
+bool PhysicsWorld::worthWorkers() const {
   const auto awake = std::count_if(robots_.begin(), robots_.end(),
                                    [](const auto& robot) { return !robot->asleep(); });
-  const bool shared = threads_ && awake >= kRobotsWorthThreads;
-  if (shared != shared_) threads_->use(world_, shared);
+  return workers_ != nullptr && awake >= kRobotsWorthWorkers;
+}
+
+void PhysicsWorld::chooseWorkers() {
+  const bool shared = worthWorkers();
+  if (shared && !shared_) stepByWorkers(world_, *workers_);
+  if (!shared && shared_) stepByCaller(world_);
   shared_ = shared;
 }
 

@@ -12,10 +12,10 @@
 #include "Common/Events.h"
 #include "Common/Robots.h"
 #include "Common/Side.h"
+#include "Common/Workers.h"
 #include "Physics/GeomTag.h"
 #include "Physics/RobotBody.h"
 #include "Physics/StepOrder.h"
-#include "Physics/StepThreads.h"
 
 namespace arena {
 
@@ -23,9 +23,9 @@ namespace arena {
 // cycle of 20 ms. World frame as in Common/Pitch.h.
 class PhysicsWorld {
  public:
-  // Robots that do not touch are stepped by so many threads side by side. Their number changes
-  // nothing in what comes out. REQUIRES threads >= 1.
-  explicit PhysicsWorld(int threads = 1);
+  // Robots that do not touch are stepped side by side by the workers, who must outlive the world;
+  // without workers by the caller. That changes nothing in what comes out.
+  explicit PhysicsWorld(Workers* workers = nullptr);
   ~PhysicsWorld();
   PhysicsWorld(const PhysicsWorld&) = delete;
   PhysicsWorld& operator=(const PhysicsWorld&) = delete;
@@ -55,6 +55,8 @@ class PhysicsWorld {
   // to be done to robots and ball in this cycle, the step itself.
   void sampleAccelerometers();
   void step();
+  // Whether there are workers, and enough to do for them.
+  bool worthWorkers() const;
 
   // What touched in the last step.
   std::span<const BallContact> ballContacts() const { return ballContacts_; }
@@ -80,15 +82,15 @@ class PhysicsWorld {
   void recordContacts(const GeomTag& first, const GeomTag& second, const dContact* contacts,
                       int count);
   std::unique_ptr<RobotBody> buildRobot(RobotHandle handle, int type);
-  void chooseThreads();
+  void chooseWorkers();
   void readFootForces();
   void rescueTheLost();
 
-  std::optional<StepThreads> threads_;  // none: the caller steps
-  bool shared_ = false;                 // whether they step now
+  Workers* workers_;     // null: the caller steps
+  bool shared_ = false;  // whether they step now
   dWorldID world_;
   dSpaceID space_;
-  std::optional<StepOrder> order_;  // with threads alone
+  std::optional<StepOrder> order_;  // with workers alone
   dJointGroupID contactGroup_;
   dBodyID ball_;
   GeomTag groundTag_{GeomTag::Kind::Ground};

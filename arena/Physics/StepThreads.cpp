@@ -1,21 +1,12 @@
 #include "Physics/StepThreads.h"
 
 #include <atomic>
-#include <boost/asio/post.hpp>
-#include <boost/asio/thread_pool.hpp>
 #include <cassert>
-#include <chrono>
-#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <vector>
 
 namespace arena {
-
-struct StepPool {
-  unsigned count;
-  boost::asio::thread_pool threads{count};
-};
 
 namespace {
 
@@ -24,15 +15,13 @@ using Mutexes = std::vector<std::mutex>;
 
 // Tells when a call has ended.
 struct Wait {
-  std::mutex mutex;
-  std::condition_variable changed;
-  bool over = false;
+  std::atomic<bool> over{false};
 };
 
 // A piece of work that the engine asks for. It starts when as many others have ended as it was told
 // of before, and has ended when those have, too, that it was told of while it ran.
 struct Call {
-  StepPool& pool;
+  Workers& workers;
   int* fault;    // where to tell that it or one that it waited for went wrong; may be null
   Call* parent;  // waits for this one; may be null
   Wait* wait;    // may be null
@@ -67,7 +56,7 @@ void start(Call* call) {
     todo->push_back(call);
     return;
   }
-  boost::asio::post(call->pool.threads, [call] {
+  call->workers.post([call] {
     std::deque<Call*> calls{call};
     todo = &calls;
     while (!calls.empty()) {
@@ -87,9 +76,8 @@ void end(Call* call) {
     if (--parent->awaited == 0) parent->started ? end(parent) : start(parent);
   }
   if (call->wait != nullptr) {
-    const std::lock_guard lock(call->wait->mutex);
     call->wait->over = true;
-    call->wait->changed.notify_all();
+    call->workers.wake();
   }
   delete call;
 }
@@ -124,10 +112,10 @@ void freeWait(dThreadingImplementationID, dCallWaitID wait) {
   delete reinterpret_cast<Wait*>(wait);
 }
 
-void post(dThreadingImplementationID pool, int* fault, dCallReleaseeID* releasee,
+void post(dThreadingImplementationID workers, int* fault, dCallReleaseeID* releasee,
           ddependencycount_t dependencies, dCallReleaseeID parent, dCallWaitID wait,
           dThreadedCallFunction* function, void* context, dcallindex_t index, const char*) {
-  auto* const call = new Call{*reinterpret_cast<StepPool*>(pool),
+  auto* const call = new Call{*reinterpret_cast<Workers*>(workers),
                               fault,
                               reinterpret_cast<Call*>(parent),
                               reinterpret_cast<Wait*>(wait),
@@ -145,24 +133,17 @@ void alterDependencies(dThreadingImplementationID, dCallReleaseeID releasee,
   if ((call->awaited += change) == 0) start(call);
 }
 
-void waitFor(dThreadingImplementationID, int* status, dCallWaitID id,
+// A step is waited for without a limit of time.
+void waitFor(dThreadingImplementationID workers, int* status, dCallWaitID id,
              const dThreadedWaitTime* timeout, const char*) {
-  auto& wait = *reinterpret_cast<Wait*>(id);
-  std::unique_lock lock(wait.mutex);
-  const auto over = [&wait] { return wait.over; };
-  if (timeout == nullptr) {
-    wait.changed.wait(lock, over);
-  } else {
-    wait.changed.wait_for(
-        lock,
-        std::chrono::seconds(timeout->wait_sec) + std::chrono::nanoseconds(timeout->wait_nsec),
-        over);
-  }
-  if (status != nullptr) *status = wait.over ? 1 : 0;
+  assert(timeout == nullptr);
+  (void)timeout;
+  reinterpret_cast<Workers*>(workers)->helpUntil(reinterpret_cast<Wait*>(id)->over);
+  if (status != nullptr) *status = 1;
 }
 
-unsigned threadCount(dThreadingImplementationID pool) {
-  return reinterpret_cast<StepPool*>(pool)->count;
+unsigned threadCount(dThreadingImplementationID workers) {
+  return static_cast<unsigned>(reinterpret_cast<Workers*>(workers)->threads());
 }
 
 int preallocate(dThreadingImplementationID, ddependencycount_t) {
@@ -187,22 +168,14 @@ constexpr dThreadingFunctionsInfo kFunctions{
 
 }  // namespace
 
-StepThreads::StepThreads(int count) : pool_(new StepPool{static_cast<unsigned>(count)}) {
-  assert(count >= 1);
-}
-
-StepThreads::~StepThreads() {
-  pool_->threads.join();
-}
-
-void StepThreads::use(dWorldID world, bool yes) {
-  if (!yes) {
-    dWorldSetStepThreadingImplementation(world, nullptr, nullptr);
-    return;
-  }
-  dWorldSetStepIslandsProcessingMaxThreadCount(world, pool_->count);
+void stepByWorkers(dWorldID world, Workers& workers) {
+  dWorldSetStepIslandsProcessingMaxThreadCount(world, static_cast<unsigned>(workers.threads()));
   dWorldSetStepThreadingImplementation(world, &kFunctions,
-                                       reinterpret_cast<dThreadingImplementationID>(pool_.get()));
+                                       reinterpret_cast<dThreadingImplementationID>(&workers));
+}
+
+void stepByCaller(dWorldID world) {
+  dWorldSetStepThreadingImplementation(world, nullptr, nullptr);
 }
 
 }  // namespace arena

@@ -53,7 +53,7 @@ class Workers {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<std::function<void()>> tasks_;
-  // Changed under the lock, but looked at without it by those who stay awake.
+  // Looked at without the lock by those who stay awake.
   std::atomic<std::size_t> waiting_{0};  // tasks
   std::atomic<bool> onShift_{false};
   std::atomic<bool> closing_{false};

@@ -147,7 +147,11 @@ def test_a_player_that_is_killed_makes_a_failed_run(base: Configs) -> None:
         for _ in range(200):
             time.sleep(0.05)
             for child in children_of(os.getpid()):
-                if b"--number" in Path(f"/proc/{child}/cmdline").read_bytes():
+                try:
+                    words = Path(f"/proc/{child}/cmdline").read_bytes()
+                except OSError:  # it has just ended
+                    continue
+                if b"--number" in words:
                     time.sleep(0.3)
                     os.kill(child, signal.SIGKILL)
                     return

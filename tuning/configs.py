@@ -1,7 +1,8 @@
 """A configuration directory as texts: reads and changes single values, keeping everything else.
 
 A `Configs` maps paths below the directory to texts: "omniWalk.conf" for the base and
-"overlays/type-2/omniWalk.conf" for what players of one type or number have of their own.
+"overlays/type-2/omniWalk.conf" for what players of one type or number have of their own, or one number
+where others play beside it.
 """
 
 import re
@@ -13,7 +14,7 @@ from tuning.errors import TuneError
 
 Configs = dict[str, str]
 
-SCOPE = re.compile(r"all|type-[0-4]|number-([1-9]|10|11)")
+SCOPE = re.compile(r"all|type-[0-4]|(number|together)-([1-9]|10|11)")
 _SECTION = re.compile(r"^[ \t]*\[(.*)\][ \t]*(#.*)?$")
 _ENTRY = re.compile(r"^[ \t]*(?P<key>[^#=\[\]]*?)[ \t]*=(?P<value>[^#\n]*)")
 _ATOM = re.compile(r"[^ \t\r]+")
@@ -36,7 +37,7 @@ def write_directory(configs: Configs, directory: Path) -> None:
 
 def without_numbers(configs: Configs) -> Configs:
     """What players have whose number has nothing of its own."""
-    return {name: text for name, text in configs.items() if not name.startswith("overlays/number-")}
+    return {name: text for name, text in configs.items() if not re.match(r"overlays/(number|together)-", name)}
 
 
 def layer_name(scope: str, file: str) -> str:
@@ -46,9 +47,10 @@ def layer_name(scope: str, file: str) -> str:
 def layers(scope: str, file: str) -> list[str]:
     """The files that a player of the scope reads, the last word last."""
     names = [layer_name("all", file)]
-    if scope.startswith("number-"):
-        kind = paths.team_types()[int(scope.removeprefix("number-"))]
-        names.append(layer_name(f"type-{kind}", file))
+    if match := re.fullmatch(r"(number|together)-(\d+)", scope):
+        names.append(layer_name(f"type-{paths.team_types()[int(match[2])]}", file))
+        if match[1] == "together":
+            names.append(layer_name(f"number-{match[2]}", file))
     if scope != "all":
         names.append(layer_name(scope, file))
     return names

@@ -321,7 +321,7 @@ def _read_place(what: str, entry: dict[str, Any]) -> Place:
             raise TuneError(f"{what}: '{name}' is missing")
     scope = entry.get("scope", "all")
     if not isinstance(scope, str) or not conf.SCOPE.fullmatch(scope):
-        raise TuneError(f"{what}: scope {scope!r} is none of all, type-0 to type-4, number-1 to number-11")
+        raise TuneError(f"{what}: scope {scope!r} is none of all, type-0 to type-4, number-1 to number-11, together-1 to together-11")
     return Place(scope, entry["file"].removesuffix(".conf"), entry["group"], entry["key"])
 
 

@@ -4,7 +4,7 @@ from pathlib import Path
 import pytest
 
 from tuning import paths
-from tuning.configs import Configs, read_directory, read_value, set_value, write_directory
+from tuning.configs import Configs, read_directory, read_value, set_value, without_numbers, write_directory
 from tuning.errors import TuneError
 
 TEXT = """# A file.
@@ -60,18 +60,38 @@ def test_overlays_hold_only_what_differs_and_win_by_number_over_type(configs: Co
     assert read_value(configs, "all", "File", "one", "plain") == ["6"]
 
 
-def test_a_player_gets_what_is_read_here(base: Configs, tmp_path: Path) -> None:
+def test_beside_others_a_number_may_have_other_values(configs: Configs) -> None:
+    set_value(configs, "type-2", "File", "one", "plain", ["8"])
+    set_value(configs, "number-2", "File", "one", "list", ["9", "9", "9"])
+    set_value(configs, "together-2", "File", "two", "plain", ["12"])
+    assert configs["overlays/together-2/File.conf"] == "[two]\nplain = 12\n"
+    # What a number has alone holds on beside others, alone it has nothing of what it has beside them.
+    assert read_value(configs, "together-2", "File", "one", "plain") == ["8"]
+    assert read_value(configs, "together-2", "File", "one", "list") == ["9", "9", "9"]
+    assert read_value(configs, "together-2", "File", "two", "plain") == ["12"]
+    assert read_value(configs, "number-2", "File", "two", "plain") == ["5"]
+    assert without_numbers(configs).keys() == {"File.conf", "overlays/type-2/File.conf"}
+
+
+@pytest.mark.parametrize(
+    "laid_out, scope", [([["2:2"], ["3:4"]], "number"), ([["2:2", "3:4"]], "together")]
+)
+def test_a_player_gets_what_is_read_here(
+    base: Configs, tmp_path: Path, laid_out: list[list[str]], scope: str
+) -> None:
     configs = dict(base)
     set_value(configs, "type-2", "omniWalk", "omniwalk", "speed", ["0.5"])
     set_value(configs, "number-2", "omniWalk", "omniwalk", "RotZ", ["1", "-2", "-3", "-4"])
+    set_value(configs, "together-2", "omniWalk", "omniwalk", "Xtorso", ["0.25"])
     write_directory(configs, tmp_path / "source")
     assert read_directory(tmp_path / "source") == configs
-    subprocess.run([paths.DEPLOY, tmp_path / "source", tmp_path, "2:2", "3:4"], check=True)
+    for players in laid_out:
+        subprocess.run([paths.DEPLOY, tmp_path / "source", tmp_path, *players], check=True)
     for number in (2, 3):
-        laid_out = read_directory(tmp_path / str(number) / "Configs")
+        read = read_directory(tmp_path / str(number) / "Configs")
         for key in ("speed", "RotZ", "Xtorso"):
-            expected = read_value(configs, f"number-{number}", "omniWalk", "omniwalk", key)
-            assert read_value(laid_out, "all", "omniWalk", "omniwalk", key) == expected
+            expected = read_value(configs, f"{scope}-{number}", "omniWalk", "omniwalk", key)
+            assert read_value(read, "all", "omniWalk", "omniwalk", key) == expected
 
 
 def test_a_directory_without_files_is_told(tmp_path: Path) -> None:

@@ -155,18 +155,33 @@ int threadsOfThisMachine() {
   return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMostThreads);
 }
 
+// Nothing if there is anything but one number.
+std::optional<double> numberIn(const std::string& input) {
+  double value = 0;
+  const char* end = input.data() + input.size();
+  const auto [rest, error] = std::from_chars(input.data(), end, value);
+  if (error != std::errc() || rest != end) return std::nullopt;
+  return value;
+}
+
 // A number of seconds, of which there can be only so many.
 CLI::Validator seconds(bool orNone) {
   return {[orNone](std::string& input) {
-            double value = 0;
-            const char* end = input.data() + input.size();
-            const auto [rest, error] = std::from_chars(input.data(), end, value);
-            const bool number = error == std::errc() && rest == end;
-            if (number && value <= kLongest && (orNone ? value >= 0 : value > 0)) {
+            const std::optional<double> value = numberIn(input);
+            if (value && *value <= kLongest && (orNone ? *value >= 0 : *value > 0)) {
               return std::string();
             }
             return "'" + arena::printable(input, kShownInput) + "' is no number of seconds " +
                    (orNone ? "from 0" : "above 0") + " up to 1000000000";
+          },
+          ""};
+}
+
+CLI::Validator percentage() {
+  return {[](std::string& input) {
+            const std::optional<double> value = numberIn(input);
+            if (value && *value >= 0 && *value <= 100) return std::string();
+            return "'" + arena::printable(input, kShownInput) + "' is no number from 0 to 100";
           },
           ""};
 }
@@ -211,9 +226,17 @@ int main(int argc, char** argv) {
       ->capture_default_str()
       ->check(wholeNumber(kLastPort));
   app.add_option("--bind", serverOptions.bind, "IP address to listen at")->capture_default_str();
-  app.add_flag("--real-time", serverOptions.realTime,
-               "50 cycles a second by the wall clock; default: lockstep, each cycle as soon as all "
-               "agents have answered");
+  CLI::Option* const realTime =
+      app.add_flag("--real-time", serverOptions.realTime,
+                   "50 cycles a second by the wall clock; default: lockstep, each cycle as soon as "
+                   "all agents have answered");
+  double lostPercent = 0.0;
+  app.add_option("--lose", lostPercent,
+                 "of a hundred frames to an agent, and of a hundred messages of it, so many get "
+                 "lost after its first second; with --real-time alone")
+      ->capture_default_str()
+      ->check(percentage())
+      ->needs(realTime);
   app.add_option("--agent-timeout", serverOptions.agentTimeout,
                  "lockstep: seconds of silence after which an agent is no longer waited for")
       ->capture_default_str()
@@ -270,6 +293,8 @@ int main(int argc, char** argv) {
     const auto log = [&events](const std::string& line) { events.note(line); };
     matchOptions.noise = !noNoise;
     matchOptions.realTime = serverOptions.realTime;
+    serverOptions.seed = matchOptions.seed;
+    serverOptions.lose = lostPercent / 100.0;
     matchOptions.log = log;
     serverOptions.handleSignals = true;
     arena::TrainerScript script = readTrainerScript(scriptFile);

@@ -5,8 +5,9 @@ A `Configs` maps paths below the directory to texts: "omniWalk.conf" for the bas
 where others play beside it.
 """
 
+import random
 import re
-from collections.abc import Sequence
+from collections.abc import Collection, Sequence
 from pathlib import Path
 
 from tuning import paths
@@ -37,7 +38,29 @@ def write_directory(configs: Configs, directory: Path) -> None:
 
 def without_numbers(configs: Configs) -> Configs:
     """What players have whose number has nothing of its own."""
-    return {name: text for name, text in configs.items() if not re.match(r"overlays/(number|together)-", name)}
+    return {
+        name: text for name, text in configs.items() if not re.match(r"overlays/(number|together)-", name)
+    }
+
+
+def disturbed(configs: Configs, files: Collection[str], share: float, seed: int) -> Configs:
+    """The same with every number of these files, overlays included, off by the share, up or down at random."""
+    draw = random.Random(seed)
+
+    def off(atom: re.Match[str]) -> str:
+        return f"{float(atom[0]) * (1 + draw.choice((-share, share))):.6g}"
+
+    def line_of(line: str) -> str:
+        entry = _ENTRY.match(line)
+        if not entry or line.lstrip().startswith("#"):
+            return line
+        start, end = entry.span("value")
+        return line[:start] + _ATOM.sub(off, line[start:end]) + line[end:]
+
+    return {
+        name: "\n".join(map(line_of, text.split("\n"))) if Path(name).stem in files else text
+        for name, text in sorted(configs.items())
+    }
 
 
 def layer_name(scope: str, file: str) -> str:

@@ -161,6 +161,8 @@ def _play(stage: Stage, teams: list[_Team], run: Run, script: str = "") -> dict[
         options += ["--auto-kick-off"]
     if run.options.get("report"):
         options += ["--report", "report.json"]
+    if run.options.get("real_time"):
+        options += ["--real-time", "--lose", str(run.options["lost"])]
     arena = _start_arena(stage, run.seed, *options, "--record", "match.rec")
     port = _ports(stage)[0]
     links = 0

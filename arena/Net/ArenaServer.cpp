@@ -65,7 +65,11 @@ bool hangUpIgnored() {
 
 ArenaServer::ArenaServer(Match& match, const ServerOptions& options,
                          std::function<void(const std::string&)> log)
-    : match_(match), options_(options), log_(std::move(log)), signals_(io_) {
+    : match_(match),
+      options_(options),
+      losses_(options.seed, "losses"),
+      log_(std::move(log)),
+      signals_(io_) {
   open(agentDoor_, options_.agentPort);
   open(monitorDoor_, options_.monitorPort);
   if (options_.handleSignals) {
@@ -411,16 +415,26 @@ void ArenaServer::handOver() {
     // Frame k, which is given in this cycle, comes after messages 1 to k - 1.
     while (session.connection->waiting() > 0 &&
            (options_.realTime || (frameDue(session) && session.applied < session.given))) {
-      apply(session, session.connection->take());
+      const std::string message = session.connection->take();
+      if (!getsLost(session)) apply(session, message);
       ++session.applied;
     }
   }
 }
 
+bool ArenaServer::getsLost(const AgentSession& session) {
+  return options_.lose > 0.0 && session.applied >= kNeverLost && losses_.uniform() < options_.lose;
+}
+
 void ArenaServer::sendPercepts() {
   std::vector<AgentSession*> due;
   for (AgentSession& session : agents_) {
-    if (frameDue(session)) due.push_back(&session);
+    if (!frameDue(session)) continue;
+    if (!getsLost(session)) {
+      due.push_back(&session);
+    } else if (wiretap_.given) {
+      wiretap_.given(session.id, "");
+    }
   }
   std::vector<char> sent(due.size());
   // Each touches its session alone.

@@ -7,6 +7,7 @@
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <list>
 #include <memory>
@@ -15,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Common/Random.h"
 #include "Match/Match.h"
 #include "Monitor/MonitorStream.h"
 #include "Net/EventThread.h"
@@ -29,6 +31,8 @@ struct ServerOptions {
   bool realTime = false;              // 50 Hz by the wall clock instead of lockstep
   double agentTimeout = 2.0;          // s of silence, after which lockstep goes on without an agent
   int waitAgents = 0;                 // the first cycle waits for so many agents with a scene
+  double lose = 0.0;                  // real time: share of frames and messages lost, 0 to 1
+  std::uint64_t seed = 0;             // of what gets lost
   double duration = 0.0;              // s of game time, after which it ends; 0: never
   bool handleSignals = false;         // interrupt, terminate and hang-up end the run in order
 };
@@ -42,7 +46,9 @@ struct ServerOptions {
 // time-out; what those still owe then is forgiven: they are waited for again from their next
 // message on. Frames that an agent loses because it does not read are no frames in this sense. Real
 // time: a cycle every 20 ms, with all messages that have arrived by then; an overrun is not caught
-// up. In both, the clock stands as long as there is no agent with a scene.
+// up; and for practice frames and messages can get lost on the way, drawn one by one, as on a poor
+// network, but for an agent's first kNeverLost messages and what it is given meanwhile. In both,
+// the clock stands as long as there is no agent with a scene.
 //
 // Nobody can stop it: of what a connection sends, only a share is taken in each cycle, and the rest
 // waits where it is, in the end at the sender.
@@ -51,6 +57,8 @@ class ArenaServer {
   // Far more than two teams with their substitutes; keeps memory bounded.
   static constexpr int kMaxAgents = 64;
   static constexpr int kMaxMonitors = 32;
+  // One second: enough to come into the team.
+  static constexpr long kNeverLost = 50;
 
   // What an observer is told after each cycle.
   struct CycleReport {
@@ -58,7 +66,8 @@ class ArenaServer {
     std::vector<Match::AgentId> late;
   };
   using Observer = std::function<void(const CycleReport&)>;
-  // Told of every frame given to an agent (empty for one that was dropped, since it does not read)
+  // Told of every frame given to an agent (empty for one that was lost, or dropped since the agent
+  // does not read)
   // and of every message of an agent that is applied.
   struct Wiretap {
     std::function<void(Match::AgentId agent, std::string_view text)> given;
@@ -164,6 +173,8 @@ class ArenaServer {
   void closeAll();
   // Hands a message to the match.
   void apply(const AgentSession& session, const std::string& message);
+  // Draws for a frame to the agent or a message of it whether it gets lost.
+  bool getsLost(const AgentSession& session);
   void handOver();
   void sendPercepts();
   void noteSent(AgentSession& session, bool sent);
@@ -172,6 +183,7 @@ class ArenaServer {
 
   Match& match_;
   ServerOptions options_;
+  Random losses_;
   std::function<void(const std::string&)> log_;
   boost::asio::io_context io_;
   std::optional<EventThread> eventThread_;

@@ -41,8 +41,8 @@ TEST(MainTest, ExplainsEveryOption) {
   const Outcome outcome = runArena("--help");
   EXPECT_EQ(outcome.status, 0);
   for (const char* option :
-       {"--agent-port", "--monitor-port", "--bind", "--real-time", "--agent-timeout", "--seed",
-        "--duration", "--half-time", "--auto-kick-off", "--coin-toss", "--change-sides",
+       {"--agent-port", "--monitor-port", "--bind", "--real-time", "--lose", "--agent-timeout",
+        "--seed", "--duration", "--half-time", "--auto-kick-off", "--coin-toss", "--change-sides",
         "--wait-agents", "--threads", "--no-noise", "--ground-truth", "--record", "--report",
         "--quiet"}) {
     EXPECT_NE(outcome.output.find(option), std::string::npos) << option;
@@ -55,18 +55,40 @@ TEST(MainTest, RefusesOptionsItDoesNotKnow) {
 }
 
 TEST(MainTest, RefusesNumbersThatMakeNoSense) {
-  for (const char* wrong :
-       {"--duration nan", "--duration inf", "--duration=-1", "--duration 1e300", "--half-time nan",
-        "--half-time 0", "--agent-timeout nan", "--agent-timeout 0", "--agent-timeout 1x",
-        "--seed=-1", "--seed 18446744073709551616", "--seed 1e3", "--wait-agents=-1",
-        "--wait-agents 65", "--threads 0", "--threads 65", "--agent-port 65536",
-        "--monitor-port=-1"}) {
+  for (const char* wrong : {"--duration nan",
+                            "--duration inf",
+                            "--duration=-1",
+                            "--duration 1e300",
+                            "--half-time nan",
+                            "--half-time 0",
+                            "--agent-timeout nan",
+                            "--agent-timeout 0",
+                            "--agent-timeout 1x",
+                            "--seed=-1",
+                            "--seed 18446744073709551616",
+                            "--seed 1e3",
+                            "--wait-agents=-1",
+                            "--wait-agents 65",
+                            "--threads 0",
+                            "--threads 65",
+                            "--agent-port 65536",
+                            "--monitor-port=-1",
+                            "--real-time --lose 100.1",
+                            "--real-time --lose=-1",
+                            "--real-time --lose nan"}) {
     const Outcome outcome = runArena(std::string(wrong) + " --bind nowhere");
     EXPECT_NE(outcome.status, 0) << wrong;
     EXPECT_NE(outcome.output.find(" is no "), std::string::npos) << outcome.output;
     EXPECT_EQ(outcome.output.find("nowhere"), std::string::npos) << wrong << " was accepted";
     EXPECT_LT(outcome.output.size(), 200u) << outcome.output;
   }
+}
+
+TEST(MainTest, LosesNothingInLockstep) {
+  const Outcome outcome = runArena("--lose 1 --bind nowhere");
+  EXPECT_NE(outcome.status, 0);
+  EXPECT_NE(outcome.output.find("--lose requires --real-time"), std::string::npos)
+      << outcome.output;
 }
 
 TEST(MainTest, TakesEverySeed) {

@@ -65,6 +65,16 @@ def test_the_same_seed_gives_the_same_figures_whatever_the_load(
     assert again.metrics == result.metrics
 
 
+def test_in_real_time_messages_can_get_lost(shipped: Configs) -> None:
+    run = first_run(shipped, "kick-off", duration=3)
+    assert evaluate(run).metrics["touched"] == 1
+    deaf = Run(run.kind, {**run.options, "real_time": True, "lost": 100, "report": True}, run.seed, shipped)
+    result = evaluate(deaf, details=True)
+    assert result.metrics["touched"] == 0
+    assert result.seconds["wall"] > 8  # 5 s before the kick-off
+    assert result.figures["report"]["players"][0]["late_answers"] < 10
+
+
 def test_set_plays_are_ours_at_places_drawn_by_the_seed() -> None:
     kinds = set()
     for seed in range(20):

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <string>
@@ -276,6 +277,57 @@ TEST(ArenaServerRealTimeTest, SendsFramesToAgentsThatDoNotAnswer) {
   Arena arena(options);
   Player player(arena.agents(), 1, "Alpha");
   for (int i = 0; i < 15; ++i) ASSERT_TRUE(player.receive());
+}
+
+// Of a frame, its time.
+double secondsIn(const std::optional<std::string>& frame) {
+  const std::string head = "(time (now ";
+  const std::size_t at = frame ? frame->find(head) : std::string::npos;
+  return at == std::string::npos ? NAN : std::stod(frame->substr(at + head.size()));
+}
+
+ServerOptions losing(double share) {
+  ServerOptions options;
+  options.realTime = true;
+  options.lose = share;
+  return options;
+}
+
+TEST(ArenaServerRealTimeTest, LosesNothingOfAnAgentsFirstMessagesAndThenAllIfAllIsLost) {
+  Arena arena(losing(1.0));
+  Player listener(arena.agents(), 1, "Alpha");
+  Player talker(arena.agents(), 2, "Alpha");
+  // Scene and init were two.
+  ASSERT_TRUE(talker.play(ArenaServer::kNeverLost - 2, "(say kept)"));
+  for (int i = 0; i < 10; ++i) {
+    talker.send("(say lost)");
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  // What was given before the last message of the first second came.
+  while (talker.hasData()) ASSERT_TRUE(talker.receive());
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_FALSE(talker.hasData());
+  int kept = 0;
+  while (listener.hasData()) {
+    const auto frame = listener.receive();
+    kept += contains(frame, "kept");
+    EXPECT_FALSE(contains(frame, "lost"));
+  }
+  EXPECT_GT(kept, 0);
+}
+
+TEST(ArenaServerRealTimeTest, LosesTheShareOfTheFramesThatItIsTold) {
+  Arena arena(losing(0.3));
+  Player player(arena.agents(), 1, "Alpha");
+  for (int i = 0; i < ArenaServer::kNeverLost; ++i) {
+    player.send("(syn)");
+    ASSERT_TRUE(player.receive());
+  }
+  const double before = secondsIn(player.receive());
+  constexpr int kFrames = 70;
+  for (int i = 1; i < kFrames; ++i) ASSERT_TRUE(player.receive());
+  // 100 cycles expected, with a standard deviation of 6.5.
+  EXPECT_NEAR((secondsIn(player.receive()) - before) / 0.02, kFrames / 0.7, 28.0);
 }
 
 // --------------------------------------------------------------------------------- repeatability
